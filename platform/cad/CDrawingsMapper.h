@@ -1,0 +1,26 @@
+// CDrawingsMapper: from drawing references as saved to the drawings of this session.
+#pragma once
+
+#include <unordered_map>
+
+#include "platform/base/PlatformExport.h"
+
+/// A loaded project refers to its drawings by the values they had when it was saved; the host fills this
+/// map while it loads the drawings.
+class GPS_PLATFORM_API CDrawingsMapper {
+public:
+    explicit CDrawingsMapper(long long defaultDrawing = 0) : default_(defaultDrawing) {}
+
+    /// The drawing saved as `saved` is now `live`. A later entry for the same value replaces the former.
+    void SetDrawing(long long saved, long long live) { live_[saved] = live; }
+
+    /// The live drawing of a saved value; the default drawing for a value that is not known.
+    long long GetDrawing(long long saved) const;
+
+    /// Drawing for what was saved without a reference. Default: 0, no drawing.
+    long long GetDefaultDrawing() const { return default_; }
+
+private:
+    long long default_;
+    std::unordered_map<long long, long long> live_;
+};

@@ -1,0 +1,101 @@
+// CCloudItem: the part of an object that takes part in the cloud project.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "platform/base/PlatformExport.h"
+
+class CCloudTable;
+
+/// Known to a server under an id, with a mask of the fields that changed here and that the server has not
+/// confirmed. An item may belong to a table (CCloudTable), which collects what is to be sent.
+///
+/// State: table (may be null), id (0: none; server ids are 1 or more), mask, the bits set since the last
+/// commit began, a ticket and a switch for reporting.
+/// The ticket is counted up by the table and given when an item first enters the table's added items; it
+/// stays with the item, so that an add record can be told to be this item's after a restart, too.
+///
+/// At any time: an item is in at most one of its table's added items and items by id; a changed item is
+/// among the items by id and has a mask other than 0; no collection holds a destroyed item.
+///
+/// The order of the virtual operations is part of the contract.
+class GPS_PLATFORM_API CCloudItem {
+public:
+    /// With a table and not `fromCloud`: the item enters the table's added items at once.
+    /// `table` may be null: the item works and remembers its mask, but nobody is told.
+    CCloudItem(CCloudTable* table, bool fromCloud);
+
+    /// A detached value: id, mask and switch are copied; no table, no ticket.
+    CCloudItem(const CCloudItem& other);
+
+    /// Takes over id, mask and switch and keeps table and ticket. With a table: id >= 1 leaves the added
+    /// items and enters the items by id when that id is free or a tombstone (whose deletion is then dropped);
+    /// id 0 enters the added items. An id that another item holds is not taken over in the table.
+    CCloudItem& operator=(const CCloudItem& other);
+
+    /// Device that created the item in the cloud; -1 when unknown.
+    virtual int GetCloudCreatorDevId() const;
+
+    /// Called by a coordinate conversion that belongs to this item after a real change.
+    virtual void ConvCoordChanged();
+
+    long long GetCloudId() const { return id_; }
+
+    /// Mask of the fields changed here since the server's last confirmation.
+    std::uint32_t GetCloudFlag() const { return mask_; }
+
+    bool IsCloudMine(int devId) const { return GetCloudCreatorDevId() == devId; }
+    bool IsCloudNotify() const { return reporting_; }
+    long long GetTicket() const { return ticket_; }
+    CCloudTable* GetTable() const;
+
+    /// Reports changed fields. With reporting off nothing is remembered. Else the bits enter the mask and an
+    /// item that its table holds by id becomes a changed one.
+    void CloudItemChanged(std::uint32_t flag) {
+        if (observer_) [[unlikely]]
+            TellObserver(flag);
+        if (!reporting_) return;
+        mask_ |= flag;
+        since_ |= flag;
+        if (byId_ && !changed_ && mask_ != 0) EnterChanged();
+    }
+
+    /// Switches reporting. Turning it on puts an item with a table, without id and not yet among the added
+    /// ones there ("mark it for the cloud"). One switch, not nested.
+    void SetCloudNotify(bool on);
+
+    /// n >= 1: the item takes the id and leaves the added items; the table knows it by id only after
+    /// AddItemToTable, so that a server's values stored in between are not taken for local changes.
+    /// n < 1: id and mask become 0 and the item enters the added items, if it has a table.
+    void SetCloudId(long long n);
+
+    /// For tests and tools of the open host: told of every CloudItemChanged at entry, before the switch is
+    /// looked at. An empty function ends it.
+    using Observer = std::function<void(const CCloudItem& item, std::uint32_t flag)>;
+    static void SetObserver(Observer observer);
+
+protected:
+    /// Leaves every collection and queues nothing: closing a book deletes nothing on the server.
+    /// Not virtual: objects are destroyed as what they are.
+    ~CCloudItem();
+
+private:
+    friend class CCloudTable;
+    struct TableLink;  // outlives the table, so that an item never holds a dangling table
+
+    void TellObserver(std::uint32_t flag) const;
+    void EnterChanged();
+
+    static const Observer* observer_;
+
+    TableLink* link_ = nullptr;
+    long long id_ = 0;
+    long long ticket_ = 0;
+    std::uint32_t mask_ = 0;
+    std::uint32_t since_ = 0;
+    std::int32_t addedSlot_ = -1;  // place among the table's added items, -1: not there
+    bool reporting_ = true;
+    bool byId_ = false;     // the table's entry of this id is this item
+    bool changed_ = false;  // among the table's changed items
+};

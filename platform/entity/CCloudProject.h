@@ -1,0 +1,30 @@
+// CCloudProject: the tables of a project that is shared in the cloud.
+#pragma once
+
+#include "platform/base/PlatformExport.h"
+
+class CCloudTable;
+
+/// Holds, without owning them, the tables of a project. The recommended order at the end: the field book
+/// goes first, the project after it.
+class GPS_PLATFORM_API CCloudProject {
+public:
+    /// `isCloud` false: a project that has tables but is not linked to a cloud (yet).
+    explicit CCloudProject(bool isCloud = true) : isCloud_(isCloud) {}
+
+    bool IsCloud() const { return isCloud_; }
+    void SetCloud(bool isCloud) { isCloud_ = isCloud; }
+
+    /// Both may be null.
+    void SetGpsTables(CCloudTable* base, CCloudTable* points) {
+        base_ = base;
+        points_ = points;
+    }
+    CCloudTable* GetGpsBaseTable() const { return base_; }
+    CCloudTable* GetGpsPntTable() const { return points_; }
+
+private:
+    bool isCloud_;
+    CCloudTable* base_ = nullptr;
+    CCloudTable* points_ = nullptr;
+};

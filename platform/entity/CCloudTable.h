@@ -1,0 +1,148 @@
+// CCloudTable: what a cloud project has to send of one kind of items, and what it knows by id.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/base/vexString.h"
+#include "platform/entity/CCloudItem.h"
+
+class CLibGen;
+
+/// Three collections of items: added here and not confirmed (in order of creation), changed here and not
+/// confirmed (by identity, in no order that means anything), and all those with an id. An id whose item was
+/// deleted here stays as a tombstone (null) until the server confirms, so that a late reply does not bring
+/// the item back.
+///
+/// One commit at a time is under way between BeginCommit and EndCommit: what it holds is remembered with
+/// the masks of that moment, so that fields edited meanwhile stay marked.
+///
+/// Base of the tables of each kind, which override the virtual operations; the order of these is part of the
+/// contract. Not destroyed through this class.
+class GPS_PLATFORM_API CCloudTable {
+public:
+    enum enumTable { tabGpsBase = 3, tabGpsPnt = 4 };
+
+    explicit CCloudTable(enumTable kind);
+
+    /// A snapshot of the collections; the items keep pointing at the original, which alone detaches them.
+    /// A copy must not outlive the items. Assigning to a table first detaches the items it had.
+    CCloudTable(const CCloudTable& other);
+    CCloudTable& operator=(const CCloudTable& other);
+
+    /// The server has named the device that created the item. Default: nothing.
+    virtual void SetCloudCreatorDevId(CCloudItem* item, int devId);
+    /// Replaces `records` by those of the changed items. Default: no records.
+    virtual void GenerateCommitString_Change(vex::String& records);
+    /// Replaces `records` by those of the added items and adds their number. Default: no records.
+    virtual void GenerateCommitString_Add(int& counter, vex::String& records);
+    /// Applies a reply of the server: deletion, edit. False: refused. Default: refused.
+    virtual bool UpdateSuccessful_Del(const std::vector<vex::String>& reply);
+    virtual bool UpdateSuccessful_Edit(const std::vector<vex::String>& reply);
+    /// Fills gaps of the local item of the same id; returns it or null. Default: null.
+    virtual CCloudItem* Merge(CCloudItem* item);
+
+    enumTable GetKind() const { return kind_; }
+
+    /// The library whose items these are, or null. Set by the host after it made the library, and to null
+    /// before that goes.
+    void SetOwner(CLibGen* owner) { owner_ = owner; }
+    CLibGen* GetOwner() const { return owner_; }
+
+    // --- by id ---------------------------------------------------------------------------------------
+
+    /// True when the id is known. `item` is then its item, or null for a tombstone; else unchanged.
+    bool FindItem(long long id, CCloudItem*& item) const;
+
+    /// The item is in step with the server: it leaves the added items, is known by its id, its mask is 0.
+    /// Requires: an item of this table with an id of 1 or more. A tombstone of that id gives way, with its
+    /// queued deletion. Returns false, changing nothing, when the item is not of this table, has no id, or
+    /// another item holds it.
+    bool AddItemToTable(CCloudItem* item);
+
+    /// Removes what is known under the id and returns the item, which stays alive and keeps its id. No
+    /// deletion is queued. For a tombstone the queued deletion is dropped and null returned.
+    CCloudItem* DelItemFromTable(long long id);
+
+    /// To be called before every deletion by the user or a replay, for a group and each of its points:
+    /// an item with an id becomes a tombstone whose deletion will be sent. The destructor never does this.
+    void ItemDeletedLocally(CCloudItem* item);
+
+    /// How an add record names its parent: the parent's id when it has one; else minus the 1-based ordinal
+    /// of the parent's own add record in the commit, when the parent's records were the last before
+    /// `counter`; else 0.
+    static long long CalcParentId(const CCloudItem* parent, CCloudTable* parentTable, int counter);
+
+    // --- one commit ----------------------------------------------------------------------------------
+
+    /// Remembers what a commit sends: added items, changed ones with their masks, deletions.
+    /// False, changing nothing, while another commit is under way.
+    bool BeginCommit();
+    bool IsCommitUnderWay() const { return sent_ != nullptr; }
+
+    /// Ids of the added records in the order in which they were sent. An id below 1: refused, the item stays
+    /// added. A record whose item is gone: the id becomes a tombstone and its deletion is queued. Else the
+    /// item is known by its id and keeps only the bits set since the commit began. A second call with the
+    /// same ids changes nothing. Returns false, changing nothing, when the number of ids is not the number
+    /// of records or no commit is under way.
+    bool ConfirmAdded(const std::vector<long long>& ids, int devId);
+
+    /// Clears, in each accepted record, the bits that were sent and not set again since.
+    void ConfirmChanged(const std::vector<long long>& accepted);
+
+    /// The deletions sent are done: they leave the queue, and their tombstones go.
+    void ConfirmDeleted();
+
+    /// The commit is answered and done with.
+    void EndCommit();
+
+    // --- what is waiting (read only) -----------------------------------------------------------------
+
+    /// Items without confirmation, in order of creation.
+    const std::vector<CCloudItem*>& GetAdded() const;
+    const std::set<CCloudItem*>& GetChanged() const { return changed_; }
+    const std::set<long long>& GetDeleted() const { return deleted_; }
+    const std::unordered_map<long long, CCloudItem*>& GetById() const { return byId_; }
+
+protected:
+    /// Detaches every item that belongs to this table: it goes on without one.
+    ~CCloudTable();
+
+    /// Writes waiting items into the journal; called by the cloud layer. Default: nothing.
+    virtual void SaveTmpItems(const std::vector<CCloudItem*>& more, const std::set<CCloudItem*>& others);
+
+private:
+    friend class CCloudItem;
+    struct Commit;
+
+    void EnterAdded(CCloudItem& item);
+    void LeaveAdded(CCloudItem& item);
+    void EnterById(CCloudItem& item);
+    void LeaveById(CCloudItem& item);
+    void EnterChanged(CCloudItem& item);
+    void LeaveChanged(CCloudItem& item);
+    bool Owns(const CCloudItem* item) const;
+    bool HoldsOther(const CCloudItem& item) const;
+    void TidyAdded() const;
+    void ConfirmOneAdded(CCloudItem* item, long long id, int devId);
+    void DetachItems();
+
+    enumTable kind_;
+    CLibGen* owner_ = nullptr;
+    CCloudItem::TableLink* link_;
+    long long lastTicket_ = 0;
+
+    // Slots of items that left in the middle are null and counted until someone looks at the list: leaving
+    // costs the same wherever the item stands.
+    mutable std::vector<CCloudItem*> added_;
+    mutable std::size_t addedGaps_ = 0;
+    mutable bool addedSorted_ = true;
+
+    std::set<CCloudItem*> changed_;
+    std::unordered_map<long long, CCloudItem*> byId_;
+    std::set<long long> deleted_;
+    std::unique_ptr<Commit> sent_;
+};
