@@ -1,0 +1,122 @@
+#include "host/coord/MotoreProj.h"
+
+#include <cmath>
+#include <map>
+
+namespace {
+
+constexpr double kRadiansPerDegree = 3.14159265358979323846 / 180.0;
+
+struct FreePj {
+    void operator()(PJ* p) const { proj_destroy(p); }
+};
+using Pj = std::unique_ptr<PJ, FreePj>;
+
+// Never destroyed: PROJ objects of static lifetime may outlive any order of destruction.
+PJ_CONTEXT* Context() {
+    static PJ_CONTEXT* const context = [] {
+        PJ_CONTEXT* c = proj_context_create();
+        proj_log_level(c, PJ_LOG_NONE);
+        proj_context_set_enable_network(c, 0);  // a field has no network, and results must not depend on one
+        return c;
+    }();
+    return context;
+}
+
+std::string AsCrs(const std::string& definition) {
+    const bool projString = definition.find("proj=") != std::string::npos;
+    const bool isCrs = definition.find("type=crs") != std::string::npos;
+    return projString && !isCrs ? definition + " +type=crs" : definition;
+}
+
+// A projected system itself, or one wrapped in a datum shift or a compound system.
+Pj Horizontal(Pj crs) {
+    while (crs) {
+        switch (proj_get_type(crs.get())) {
+            case PJ_TYPE_COMPOUND_CRS:
+                crs.reset(proj_crs_get_sub_crs(Context(), crs.get(), 0));
+                break;
+            case PJ_TYPE_BOUND_CRS:
+                crs.reset(proj_get_source_crs(Context(), crs.get()));
+                break;
+            default:
+                return crs;
+        }
+    }
+    return crs;
+}
+
+bool HasHeight(const std::string& crs) {
+    Pj p(proj_create(Context(), crs.c_str()));
+    if (!p) return false;
+    if (proj_get_type(p.get()) == PJ_TYPE_COMPOUND_CRS) return true;
+    Pj system(proj_crs_get_coordinate_system(Context(), p.get()));
+    return system && proj_cs_get_axis_count(Context(), system.get()) == 3;
+}
+
+PJ* MakeProiezione(const std::string& projString) { return proj_create(Context(), projString.c_str()); }
+
+PJ* MakeSistema(const std::string& crs) {
+    const char* source = HasHeight(crs) ? "EPSG:4979" : "EPSG:4326";
+    Pj raw(proj_create_crs_to_crs(Context(), source, crs.c_str(), nullptr));
+    if (!raw) return nullptr;
+    return proj_normalize_for_visualization(Context(), raw.get());  // longitude first, easting first
+}
+
+}  // namespace
+
+std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::DaProiezione(const std::string& projString) {
+    return Condiviso(projString, MakeProiezione, kRadiansPerDegree);
+}
+
+std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::DaSistema(const std::string& crs) {
+    return Condiviso(AsCrs(crs), MakeSistema, 1);
+}
+
+std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::Condiviso(const std::string& key,
+                                                                        PJ* (*make)(const std::string&),
+                                                                        double angularUnit) {
+    static std::map<std::string, std::weak_ptr<const Motore>> known;
+    if (auto shared = known[key].lock()) return shared;
+    PJ* transformation = make(key);
+    if (!transformation) {
+        known.erase(key);
+        return nullptr;
+    }
+    std::shared_ptr<const Motore> motore(new Motore(transformation, angularUnit));
+    known[key] = motore;
+    return motore;
+}
+
+CProiezPla::Motore::~Motore() { proj_destroy(pj_); }
+
+bool CProiezPla::Motore::Forward(double lat, double lon, double h, double& x, double& y, double& z) const {
+    const PJ_COORD out = proj_trans(pj_, PJ_FWD, proj_coord(lon * unit_, lat * unit_, h, 0));
+    x = out.xyz.x;
+    y = out.xyz.y;
+    z = out.xyz.z;
+    return std::isfinite(x) && std::isfinite(y) && std::isfinite(z);
+}
+
+bool CProiezPla::Motore::Inverse(double x, double y, double z, double& lat, double& lon, double& h) const {
+    const PJ_COORD out = proj_trans(pj_, PJ_INV, proj_coord(x, y, z, 0));
+    lat = out.lpz.phi / unit_;
+    lon = out.lpz.lam / unit_;
+    h = out.lpz.z;
+    return std::isfinite(lat) && std::isfinite(lon) && std::isfinite(h);
+}
+
+std::string CheckSistema(const std::string& crs) {
+    Pj p(proj_create(Context(), AsCrs(crs).c_str()));
+    if (!p || !proj_is_crs(p.get()))
+        return "'" + crs +
+               "' is not a coordinate system that PROJ knows: give EPSG:code, a PROJ string or WKT";
+    const Pj horizontal = Horizontal(std::move(p));
+    const PJ_TYPE type = horizontal ? proj_get_type(horizontal.get()) : PJ_TYPE_UNKNOWN;
+    if (type == PJ_TYPE_GEOGRAPHIC_2D_CRS || type == PJ_TYPE_GEOGRAPHIC_3D_CRS ||
+        type == PJ_TYPE_GEOCENTRIC_CRS || type == PJ_TYPE_GEODETIC_CRS)
+        return "'" + crs + "' is a geographic system: give a projected one, with easting and northing";
+    if (type != PJ_TYPE_PROJECTED_CRS)
+        return "'" + crs + "' is not a projected coordinate system: give one with easting and northing";
+    return {};
+}

@@ -1,0 +1,263 @@
+#include "platform/entity/CCloudTable.h"
+
+#include <algorithm>
+#include <map>
+
+#include "host/entity/CloudLink.h"
+
+struct CCloudTable::Commit {
+    std::vector<long long> tickets;            // of the added records, in emitted order
+    std::map<long long, std::uint32_t> masks;  // of the changed records, by id
+    std::set<long long> deleted;
+};
+
+CCloudTable::CCloudTable(enumTable kind) : kind_(kind), link_(new CCloudItem::TableLink{this}) {}
+
+// A snapshot has a link of its own that no item shares: whatever is done with it reaches no item.
+CCloudTable::CCloudTable(const CCloudTable& other)
+    : kind_(other.kind_),
+      owner_(other.owner_),
+      link_(new CCloudItem::TableLink{this}),
+      lastTicket_(other.lastTicket_),
+      added_(other.GetAdded()),
+      changed_(other.changed_),
+      byId_(other.byId_),
+      deleted_(other.deleted_),
+      sent_(other.sent_ ? std::make_unique<Commit>(*other.sent_) : nullptr) {}
+
+CCloudTable& CCloudTable::operator=(const CCloudTable& other) {
+    if (this == &other) return *this;
+    DetachItems();
+    CCloudItem::TableLink* link = new CCloudItem::TableLink{this};
+    CCloudItem::TableLink::Leave(link_);
+    link_ = link;
+    kind_ = other.kind_;
+    owner_ = other.owner_;
+    lastTicket_ = other.lastTicket_;
+    added_ = other.GetAdded();
+    addedGaps_ = 0;
+    addedSorted_ = true;
+    changed_ = other.changed_;
+    byId_ = other.byId_;
+    deleted_ = other.deleted_;
+    sent_ = other.sent_ ? std::make_unique<Commit>(*other.sent_) : nullptr;
+    return *this;
+}
+
+CCloudTable::~CCloudTable() {
+    DetachItems();
+    CCloudItem::TableLink::Leave(link_);
+}
+
+void CCloudTable::DetachItems() {
+    link_->table = nullptr;
+    if (link_->users == 1) return;  // nobody but this table: a snapshot, whose items may be gone
+    const auto detach = [this](CCloudItem* item) {
+        if (!item || item->link_ != link_) return;
+        item->addedSlot_ = -1;
+        item->byId_ = false;
+        item->changed_ = false;
+    };
+    for (CCloudItem* item : added_) detach(item);
+    for (const auto& [id, item] : byId_) detach(item);
+}
+
+void CCloudTable::SetCloudCreatorDevId(CCloudItem*, int) {}
+void CCloudTable::GenerateCommitString_Change(vex::String& records) { records.Empty(); }
+void CCloudTable::GenerateCommitString_Add(int&, vex::String& records) { records.Empty(); }
+bool CCloudTable::UpdateSuccessful_Del(const std::vector<vex::String>&) { return false; }
+bool CCloudTable::UpdateSuccessful_Edit(const std::vector<vex::String>&) { return false; }
+CCloudItem* CCloudTable::Merge(CCloudItem*) { return nullptr; }
+void CCloudTable::SaveTmpItems(const std::vector<CCloudItem*>&, const std::set<CCloudItem*>&) {}
+
+// --- by id ---------------------------------------------------------------------------------------------
+
+bool CCloudTable::FindItem(long long id, CCloudItem*& item) const {
+    const auto found = byId_.find(id);
+    if (found == byId_.end()) return false;
+    item = found->second;
+    return true;
+}
+
+bool CCloudTable::AddItemToTable(CCloudItem* item) {
+    if (!Owns(item) || item->id_ < 1 || HoldsOther(*item)) return false;
+    EnterById(*item);
+    LeaveAdded(*item);
+    LeaveChanged(*item);
+    item->mask_ = 0;
+    item->since_ = 0;
+    return true;
+}
+
+CCloudItem* CCloudTable::DelItemFromTable(long long id) {
+    const auto found = byId_.find(id);
+    if (found == byId_.end()) return nullptr;
+    CCloudItem* item = found->second;
+    if (item) {
+        LeaveById(*item);
+    } else {
+        byId_.erase(found);
+        deleted_.erase(id);
+    }
+    return item;
+}
+
+void CCloudTable::ItemDeletedLocally(CCloudItem* item) {
+    if (!Owns(item) || item->id_ < 1 || HoldsOther(*item)) return;
+    deleted_.insert(item->id_);
+    if (item->byId_)
+        byId_.find(item->id_)->second = nullptr;
+    else
+        byId_.emplace(item->id_, nullptr);
+    item->byId_ = false;
+    LeaveChanged(*item);
+}
+
+long long CCloudTable::CalcParentId(const CCloudItem* parent, CCloudTable* parentTable, int counter) {
+    if (!parent) return 0;
+    if (parent->id_ >= 1) return parent->id_;
+    if (!parentTable || parent->GetTable() != parentTable || parent->addedSlot_ < 0) return 0;
+    const auto n = static_cast<long long>(parentTable->GetAdded().size());  // puts the slots in order
+    return -(counter - n + parent->addedSlot_ + 1);
+}
+
+// --- one commit ------------------------------------------------------------------------------------------
+
+bool CCloudTable::BeginCommit() {
+    if (sent_) return false;
+    auto commit = std::make_unique<Commit>();
+    commit->tickets.reserve(GetAdded().size());
+    for (const CCloudItem* item : GetAdded()) commit->tickets.push_back(item->ticket_);
+    for (const CCloudItem* item : changed_) commit->masks.emplace(item->id_, item->mask_);
+    commit->deleted = deleted_;
+    for (CCloudItem* item : GetAdded()) item->since_ = 0;
+    for (CCloudItem* item : changed_) item->since_ = 0;
+    sent_ = std::move(commit);
+    return true;
+}
+
+bool CCloudTable::ConfirmAdded(const std::vector<long long>& ids, int devId) {
+    if (!sent_ || ids.size() != sent_->tickets.size()) return false;
+    // Both lists are in order of tickets: one pass pairs them. A copy, because confirmed items leave.
+    const std::vector<CCloudItem*> waiting = GetAdded();
+    auto next = waiting.begin();
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        const long long ticket = sent_->tickets[i];
+        while (next != waiting.end() && (*next)->ticket_ < ticket) ++next;
+        CCloudItem* item = next != waiting.end() && (*next)->ticket_ == ticket ? *next : nullptr;
+        ConfirmOneAdded(item, ids[i], devId);
+    }
+    return true;
+}
+
+void CCloudTable::ConfirmOneAdded(CCloudItem* item, long long id, int devId) {
+    if (id < 1) return;  // refused: it stays among the added items
+    const auto known = byId_.find(id);
+    if (!item) {
+        if (known != byId_.end()) return;  // confirmed before
+        deleted_.insert(id);               // deleted here while the commit was under way
+        byId_.emplace(id, nullptr);
+        return;
+    }
+    if (known != byId_.end() && known->second) return;  // an id never moves to another item
+    item->id_ = id;
+    EnterById(*item);
+    LeaveAdded(*item);
+    SetCloudCreatorDevId(item, devId);
+    item->mask_ = item->since_;
+    if (item->mask_ != 0) EnterChanged(*item);
+}
+
+void CCloudTable::ConfirmChanged(const std::vector<long long>& accepted) {
+    if (!sent_) return;
+    for (const long long id : accepted) {
+        const auto sent = sent_->masks.find(id);
+        const auto known = byId_.find(id);
+        if (sent == sent_->masks.end() || known == byId_.end() || !known->second) continue;
+        CCloudItem& item = *known->second;
+        item.mask_ &= ~(sent->second & ~item.since_);
+        if (item.mask_ == 0) LeaveChanged(item);
+    }
+}
+
+void CCloudTable::ConfirmDeleted() {
+    if (!sent_) return;
+    for (const long long id : sent_->deleted) {
+        if (deleted_.erase(id) == 0) continue;  // dropped since, when an item took the id over
+        byId_.erase(id);
+    }
+}
+
+void CCloudTable::EndCommit() { sent_.reset(); }
+
+// --- collections -----------------------------------------------------------------------------------------
+
+const std::vector<CCloudItem*>& CCloudTable::GetAdded() const {
+    TidyAdded();
+    return added_;
+}
+
+bool CCloudTable::Owns(const CCloudItem* item) const { return item && item->link_ == link_; }
+
+bool CCloudTable::HoldsOther(const CCloudItem& item) const {
+    const auto found = byId_.find(item.id_);
+    return found != byId_.end() && found->second && found->second != &item;
+}
+
+void CCloudTable::EnterAdded(CCloudItem& item) {
+    if (item.addedSlot_ >= 0) return;
+    const long long ticket = item.ticket_ > 0 ? item.ticket_ : lastTicket_ + 1;
+    const bool inOrder = added_.empty() || added_.back()->ticket_ < ticket;
+    added_.push_back(&item);
+    addedSorted_ = addedSorted_ && inOrder;
+    item.addedSlot_ = static_cast<std::int32_t>(added_.size() - 1);
+    item.ticket_ = ticket;
+    lastTicket_ = std::max(lastTicket_, ticket);
+}
+
+void CCloudTable::LeaveAdded(CCloudItem& item) {
+    if (item.addedSlot_ < 0) return;
+    added_[static_cast<std::size_t>(item.addedSlot_)] = nullptr;
+    item.addedSlot_ = -1;
+    ++addedGaps_;
+    while (!added_.empty() && !added_.back()) {  // the last slot is never a gap
+        added_.pop_back();
+        --addedGaps_;
+    }
+    if (addedGaps_ > 64 && addedGaps_ > added_.size() / 2) TidyAdded();
+}
+
+void CCloudTable::TidyAdded() const {
+    if (addedGaps_ == 0 && addedSorted_) return;
+    std::erase(added_, nullptr);
+    if (!addedSorted_)
+        std::sort(added_.begin(), added_.end(),
+                  [](const CCloudItem* a, const CCloudItem* b) { return a->ticket_ < b->ticket_; });
+    for (std::size_t i = 0; i < added_.size(); ++i) added_[i]->addedSlot_ = static_cast<std::int32_t>(i);
+    addedGaps_ = 0;
+    addedSorted_ = true;
+}
+
+void CCloudTable::EnterById(CCloudItem& item) {
+    byId_[item.id_] = &item;
+    deleted_.erase(item.id_);  // a tombstone of that id gives way
+    item.byId_ = true;
+}
+
+void CCloudTable::LeaveById(CCloudItem& item) {
+    LeaveChanged(item);
+    if (!item.byId_) return;
+    byId_.erase(item.id_);
+    item.byId_ = false;
+}
+
+void CCloudTable::EnterChanged(CCloudItem& item) {
+    changed_.insert(&item);
+    item.changed_ = true;
+}
+
+void CCloudTable::LeaveChanged(CCloudItem& item) {
+    if (!item.changed_) return;
+    changed_.erase(&item);
+    item.changed_ = false;
+}

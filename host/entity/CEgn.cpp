@@ -1,0 +1,95 @@
+#include "platform/entity/CEgn.h"
+
+struct CEgn::Altri {
+    std::string terScri;
+    std::string note;
+    std::string nomiFoto = "******";
+    std::string attribDis;
+    int identDescr = -1;
+    int gisHandle = 0;
+};
+
+CEgn::CEgn() = default;
+
+CEgn::CEgn(const CEgn& other)
+    : VEXNotifySource(other),
+      CPointerRef(other),
+      code_(other.code_),
+      validita_(other.validita_),
+      nome_(other.nome_),
+      secScri_(other.secScri_),
+      x_(other.x_),
+      y_(other.y_),
+      z_(other.z_),
+      altri_(other.altri_ ? std::make_unique<Altri>(*other.altri_) : nullptr) {}
+
+CEgn& CEgn::operator=(const CEgn& other) {
+    if (this == &other) return *this;
+    VEXNotifySource::operator=(other);
+    CPointerRef::operator=(other);
+    code_ = other.code_;
+    validita_ = other.validita_;
+    nome_ = other.nome_;
+    secScri_ = other.secScri_;
+    x_ = other.x_;
+    y_ = other.y_;
+    z_ = other.z_;
+    altri_ = other.altri_ ? std::make_unique<Altri>(*other.altri_) : nullptr;
+    return *this;
+}
+
+CEgn::~CEgn() = default;
+
+CCloudItem* CEgn::GetCloudItem() const { return nullptr; }
+
+void CEgn::SetNome(const std::string& nome) { nome_ = nome; }
+
+void CEgn::SetSecScri(const std::string& secScri) { secScri_ = secScri; }
+
+void CEgn::DoSetCoord(double x, double y, double z) {
+    x_ = x;
+    y_ = y;
+    z_ = z;
+}
+
+void CEgn::SetCodeEgn(unsigned long code) { code_ = static_cast<std::uint32_t>(code); }
+
+int CEgn::GetUserType() { return 0; }
+
+void CEgn::CalcolaValiditaXYZ() {
+    validita_ &= ~(VLDT_XY | VLDT_Z);
+    if (EstValidoXY()) validita_ |= VLDT_XY;
+    if (IsCoordValid(z_)) validita_ |= VLDT_Z;
+}
+
+const CEgn::Altri& CEgn::Altro() const {
+    static const Altri nuovo;
+    return altri_ ? *altri_ : nuovo;
+}
+
+CEgn::Altri& CEgn::AltroDaScrivere() {
+    if (!altri_) altri_ = std::make_unique<Altri>();
+    return *altri_;
+}
+
+const std::string& CEgn::GetTerScri() const { return Altro().terScri; }
+void CEgn::SetTerScri(const std::string& terScri) { AltroDaScrivere().terScri = terScri; }
+const std::string& CEgn::GetNote() const { return Altro().note; }
+void CEgn::SetNote(const std::string& note) { AltroDaScrivere().note = note; }
+const std::string& CEgn::GetNomiFoto_Raw() const { return Altro().nomiFoto; }
+void CEgn::SetNomiFoto_Raw(const std::string& nomi) { AltroDaScrivere().nomiFoto = nomi; }
+const std::string& CEgn::GetAttribDis() const { return Altro().attribDis; }
+void CEgn::SetAttribDis(const std::string& attrib) { AltroDaScrivere().attribDis = attrib; }
+int CEgn::GetIdentDescr() const { return Altro().identDescr; }
+void CEgn::SetIdentDescr(int ident) { AltroDaScrivere().identDescr = ident; }
+int CEgn::GetGisHandle() const { return Altro().gisHandle; }
+void CEgn::SetGisHandle(int handle) { AltroDaScrivere().gisHandle = handle; }
+
+void CEgn::AnnullaTutteLeVar() {
+    code_ = 0;
+    validita_ = 0;
+    nome_.clear();
+    secScri_.clear();
+    x_ = y_ = z_ = GPS_VAL_UNSET;
+    altri_.reset();
+}

@@ -1,0 +1,3 @@
+#include "platform/entity/CLibConOri.h"
+
+CLibConOri::~CLibConOri() = default;
