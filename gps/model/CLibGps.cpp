@@ -1,0 +1,222 @@
+#include "gps/model/CLibGps.h"
+
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "gps/model/FindFromHint.h"
+#include "platform/cad/COrkaEng.h"
+#include "platform/entity/CCloudManager.h"
+#include "platform/entity/CCloudProject.h"
+
+namespace {
+
+CCloudTable* BaseTable(const CCloudProject* cloud) { return cloud ? cloud->GetGpsBaseTable() : nullptr; }
+CCloudTable* PointTable(const CCloudProject* cloud) { return cloud ? cloud->GetGpsPntTable() : nullptr; }
+
+// Hands a new object over to a list at a position. When the list cannot grow, the object is destroyed.
+template <class T>
+T* InsertAt(std::vector<T*>& list, int at, std::unique_ptr<T> item) {
+    list.insert(list.begin() + at, item.get());
+    return item.release();
+}
+
+// A reservation is a hint: a count that memory cannot hold is left to the insertions to refuse.
+template <class T>
+void ReserveAtLeast(std::vector<T*>& list, std::size_t n) {
+    try {
+        list.reserve(n);
+    } catch (const std::length_error&) {
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+}  // namespace
+
+CLibGps::CLibGps(CCloudProject* cloud, COpzListDisEgn*, COriData* orientation, CLibMap* map,
+                 long long targetDrawing)
+    : CLibConOri(cloud, orientation), ArchLibMap(map), TargetDrawing(targetDrawing) {
+    COrkaEng::AddDrawingRefUsage(TargetDrawing);  // with 0 too
+}
+
+CLibGps::~CLibGps() {
+    COrkaEng::SubDrawingRefUsage(TargetDrawing);  // with 0 too
+    for (int i = GetGrpArSize() - 1; i >= 0; --i) DelGrpAt(i);
+}
+
+// --- groups ------------------------------------------------------------------------------------------------
+
+CGrpGps* CLibGps::AddGrp(bool fromCloud) { return InsGrpAt(GetGrpArSize(), fromCloud); }
+
+CGrpGps* CLibGps::InsGrpAt(int i, bool fromCloud) {
+    if (i < 0 || i > GetGrpArSize()) return nullptr;
+    auto group =
+        std::make_unique<CGrpGps>(BaseTable(GetCloudProject()), fromCloud, ArchLibMap, TargetDrawing);
+    return InsertAt(GrpList, i, std::move(group));
+}
+
+void CLibGps::DelGrpAt(int i) {
+    if (!HasGrp(i)) return;
+    for (int j = GetPunArSize(i) - 1; j >= 0; --j) DelPunAt(i, j);
+    CGrpGps* group = GrpList[static_cast<std::size_t>(i)];
+    groupHints_.erase(group);
+    delete group;
+    GrpList.erase(GrpList.begin() + i);
+}
+
+CGrpGps* CLibGps::GetGrpAt(int i) const { return HasGrp(i) ? GrpList[static_cast<std::size_t>(i)] : nullptr; }
+
+void CLibGps::GrpArReserve(int n) {
+    if (n > 0) ReserveAtLeast(GrpList, static_cast<std::size_t>(n));
+}
+
+int CLibGps::GrpArAddReserve(int n) {
+    if (n > 0) ReserveAtLeast(GrpList, GrpList.size() + static_cast<std::size_t>(n));
+    return n;
+}
+
+bool CLibGps::GetIndiciDiGrp(CGrpGps* group, int& i) const {
+    if (!group) return false;
+    if (GetGrpAt(lastGroup_) == group) {  // the same group is asked for again and again
+        i = lastGroup_;
+        return true;
+    }
+    const auto hint = groupHints_.find(group);
+    const int found = FindFromHint(GrpList, group, hint == groupHints_.end() ? 0 : hint->second);
+    if (found < 0) return false;
+    if (hint != groupHints_.end()) {
+        hint->second = found;
+    } else {
+        try {
+            groupHints_.emplace(group, found);
+        } catch (const std::bad_alloc&) {  // only a hint: the next search starts from 0 again
+        }
+    }
+    lastGroup_ = found;
+    i = found;
+    return true;
+}
+
+void CLibGps::GrpGpsSwap(int i, int j) noexcept {
+    std::swap(GrpList.at(static_cast<std::size_t>(i)), GrpList.at(static_cast<std::size_t>(j)));
+}
+
+// --- points ------------------------------------------------------------------------------------------------
+
+CPunGps* CLibGps::AddPun(int g, bool fromCloud) { return InsPunAt(g, GetPunArSize(g), fromCloud); }
+
+CPunGps* CLibGps::InsPunAt(int g, int p, bool fromCloud) {
+    if (!HasGrp(g) || p < 0 || p > GetPunArSize(g)) return nullptr;
+    CGrpGps* group = GrpList[static_cast<std::size_t>(g)];
+    auto point = std::make_unique<CPunGps>(PointTable(GetCloudProject()), fromCloud, group);
+    point->groupHint_ = g;
+    point->pointHint_ = p;
+    return InsertAt(group->PunList, p, std::move(point));
+}
+
+void CLibGps::DelPunAt(int g, int p) {
+    if (!HasPun(g, p)) return;
+    std::vector<CPunGps*>& list = PunList(g);
+    delete list[static_cast<std::size_t>(p)];
+    list.erase(list.begin() + p);
+}
+
+void CLibGps::DelPunAt(CPunGps* point) {
+    int g = -1, p = -1;
+    GetIndiciDiPun(point, g, p);
+    if (g >= 0 && p >= 0) DelPunAt(g, p);
+}
+
+CPunGps* CLibGps::GetPunAt(int g, int p) const {
+    return HasPun(g, p) ? PunList(g)[static_cast<std::size_t>(p)] : nullptr;
+}
+
+CPunGps* CLibGps::GetPunAt(CGrpGps* group, int p) const {
+    int g = -1;
+    return GetIndiciDiGrp(group, g) ? GetPunAt(g, p) : nullptr;
+}
+
+int CLibGps::GetPunArSize(int g) const { return HasGrp(g) ? static_cast<int>(PunList(g).size()) : 0; }
+
+int CLibGps::GetPunArSize(CGrpGps* group) const {
+    int g = -1;
+    return GetIndiciDiGrp(group, g) ? GetPunArSize(g) : -1;
+}
+
+void CLibGps::PunArReserve(int g, int n) {
+    if (HasGrp(g) && n > 0) ReserveAtLeast(PunList(g), static_cast<std::size_t>(n));
+}
+
+int CLibGps::PunArAddReserve(int g, int n) {
+    if (!HasGrp(g)) return 0;
+    if (n > 0) ReserveAtLeast(PunList(g), PunList(g).size() + static_cast<std::size_t>(n));
+    return n;
+}
+
+bool CLibGps::GetIndiciDiPun(CPunGps* point, int& g, int& p) const {
+    if (!point) return false;
+    // The owner may be gone when the point is a detached copy: it is compared, never looked into, before it
+    // is found in the list.
+    int group = point->groupHint_;
+    if (GetGrpAt(group) != point->Group || !point->Group) {
+        if (!GetIndiciDiGrp(point->Group, group)) return false;
+        point->groupHint_ = group;
+    }
+    g = group;
+
+    const CGrpGps& owner = *point->Group;
+    const int found = FindFromHint(owner.PunList, point, point->pointHint_);
+    if (found < 0) return false;
+    owner.searchSteps_ += static_cast<std::size_t>(std::abs(found - point->pointHint_));
+    point->pointHint_ = found;
+    p = found;
+    // Many positions have moved: once the searches have cost as much as numbering them all anew, do that.
+    if (owner.searchSteps_ > owner.PunList.size()) {
+        for (std::size_t k = 0; k < owner.PunList.size(); ++k)
+            if (owner.PunList[k]) owner.PunList[k]->pointHint_ = static_cast<int>(k);
+        owner.searchSteps_ = 0;
+    }
+    return true;
+}
+
+void CLibGps::PunGpsSwap(int g, int i, int j) noexcept {
+    std::vector<CPunGps*>& list = GrpList.at(static_cast<std::size_t>(g))->PunList;
+    CPunGps*& a = list.at(static_cast<std::size_t>(i));
+    CPunGps*& b = list.at(static_cast<std::size_t>(j));
+    std::swap(a, b);
+    a->pointHint_ = i;
+    b->pointHint_ = j;
+}
+
+// --- the current group and point
+// -----------------------------------------------------------------------------
+
+CGrpGps* CLibGps::GetCurrGrp() const {
+    const bool isCloud = GetCloudProject() && GetCloudProject()->IsCloud();
+    const int devId = CCloudManager::GetInstance()->GetDevId();  // asked on every call
+    for (auto it = GrpList.rbegin(); it != GrpList.rend(); ++it)
+        if (!isCloud || CGrpGps::CloudItemOf(*it)->IsCloudMine(devId)) return *it;
+    return nullptr;
+}
+
+CPunGps* CLibGps::GetLastPun() const {
+    const CGrpGps* group = GetCurrGrp();
+    return group && !group->PunList.empty() ? group->PunList.back() : nullptr;
+}
+
+CConvCoord* CLibGps::GetCurrConvCoord() const {
+    CGrpGps* group = GetCurrGrp();
+    return group ? group->GetConvCoord() : nullptr;
+}
+
+CConvCoord* CLibGps::GetCurrValidConvCoord() const {
+    CGrpGps* group = GetCurrGrp();
+    return group && group->IsCdElabValid() ? group->GetConvCoord() : nullptr;
+}
+
+void CLibGps::SetTargetDrawing(long long id) {
+    if (TargetDrawing != 0) COrkaEng::SubDrawingRefUsage(TargetDrawing);
+    TargetDrawing = id;
+    if (TargetDrawing != 0) COrkaEng::AddDrawingRefUsage(TargetDrawing);
+}

@@ -1,0 +1,168 @@
+// CLibGps: the GPS field book of a project.
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "gps/GpsExport.h"
+#include "gps/model/CGrpGps.h"
+#include "gps/model/CPunGps.h"
+#include "platform/entity/CLibConOri.h"
+
+class CCloudProject;
+class CConvCoord;
+class CLibMap;
+class COpzListDisEgn;
+class COriData;
+
+/// The one object through which groups and points are made, found, ordered and deleted. Positions are 0-based
+/// places in the list of groups and in a group's list of points.
+///
+/// Ownership: the field book owns its groups, a group its points. The map library is the host's and must
+/// outlive the field book; so must the cloud project, whose tables the items belong to.
+///
+/// Errors: a position that does not exist is answered with null, 0, -1 or false, never with an exception,
+/// except by the two swaps, where it is a programming error and ends the process. Making a group or point
+/// may throw std::bad_alloc: nothing has been added then.
+///
+/// None of the operations notifies, writes a journal, reports a cloud change or sets the modified flag: the
+/// host does that around them. It keeps no state between threads; calls come from one thread.
+///
+/// A copy holds the same groups and takes no drawing reference: only one of the two may be destroyed with
+/// groups in it.
+class GPS_API CLibGps : public CLibConOri {
+public:
+    /// `cloud`, `displayOptions`, `orientation` and `map` may be null. `targetDrawing` 0: no drawing.
+    CLibGps(CCloudProject* cloud, COpzListDisEgn* displayOptions, COriData* orientation, CLibMap* map,
+            long long targetDrawing);
+    CLibGps(const CLibGps&) = default;
+    CLibGps& operator=(const CLibGps&) = default;
+
+    /// Gives the drawing reference back, then deletes the groups from the last to the first.
+    ~CLibGps() override;
+
+    // --- groups --------------------------------------------------------------------------------------------
+
+    /// Appends a group with the project's base table, the map library and the present target drawing.
+    CGrpGps* AddGrp(bool fromCloud);
+
+    /// Inserts a group at i, from 0 to the number of groups; null, adding nothing, outside.
+    CGrpGps* InsGrpAt(int i, bool fromCloud);
+
+    /// Deletes the group's points from the last to the first, then the group. Nothing for an i outside.
+    void DelGrpAt(int i);
+
+    CGrpGps* GetGrpAt(int i) const;
+    int GetGrpArSize() const { return static_cast<int>(GrpList.size()); }
+
+    /// Room for n groups. A hint: n below the present number, or negative, has no effect.
+    void GrpArReserve(int n);
+
+    /// Room for n groups more; returns n.
+    int GrpArAddReserve(int n);
+
+    /// The position of a group: true and i when the field book holds it, else false and i unchanged.
+    /// `group` may be null, and may have been destroyed.
+    bool GetIndiciDiGrp(CGrpGps* group, int& i) const;
+
+    /// Exchanges two groups. Requires: both positions exist; else the process ends.
+    void GrpGpsSwap(int i, int j) noexcept;
+
+    // --- points --------------------------------------------------------------------------------------------
+
+    /// Appends a point to group g; null for a g outside.
+    CPunGps* AddPun(int g, bool fromCloud);
+
+    /// Inserts a point at p, from 0 to the number of points of group g; null, adding nothing, outside.
+    CPunGps* InsPunAt(int g, int p, bool fromCloud);
+
+    /// Deletes a point; nothing for a position outside. The point sets are not touched: the host takes the
+    /// point out of them before.
+    void DelPunAt(int g, int p);
+    void DelPunAt(CPunGps* point);
+
+    CPunGps* GetPunAt(int g, int p) const;
+    CPunGps* GetPunAt(CGrpGps* group, int p) const;
+
+    /// Number of points of group g, 0 for a g outside.
+    int GetPunArSize(int g) const;
+
+    /// Number of points of a group. Intended: -1, not 0, for a group that the field book does not hold, so
+    /// that a foreign group is told from an empty one.
+    int GetPunArSize(CGrpGps* group) const;
+
+    /// Room for n points in group g; nothing for a g outside or an n below 1.
+    void PunArReserve(int g, int n);
+
+    /// Room for n points more in group g; returns n, 0 for a g outside.
+    int PunArAddReserve(int g, int n);
+
+    /// The position of a point: true with g and p when the field book holds it. Else false; g may have been
+    /// written already when the point's group was found. `point` may be null, but not destroyed.
+    bool GetIndiciDiPun(CPunGps* point, int& g, int& p) const;
+
+    /// Exchanges two points of group g. Requires: g and both positions exist; else the process ends.
+    void PunGpsSwap(int g, int i, int j) noexcept;
+
+    // --- the current group and point ---------------------------------------------------------------------
+
+    /// The group in which new measurements go: the last one; in a cloud project the last one that this device
+    /// created. Null when there is none.
+    CGrpGps* GetCurrGrp() const;
+
+    /// The current group's last point; null without a current group or points in it.
+    CPunGps* GetLastPun() const;
+
+    /// The current group's conversion; null without a current group.
+    CConvCoord* GetCurrConvCoord() const;
+
+    /// The same, but null also while the group's processing code says that it is not valid.
+    CConvCoord* GetCurrValidConvCoord() const;
+
+    // --- coordinates of one point (gps/coords) -------------------------------------------------------------
+
+    /// Plane coordinates of a point from its fix, through the conversion of group g. They are unset first,
+    /// and stay so without a valid conversion, with an unset value among latitude, longitude, height and
+    /// antenna height, and when the conversion fails.
+    void CalcolaCoordCart(CPunGps* point, int g);
+
+    /// The fix of a point from its plane coordinates and antenna height, through the conversion of group g.
+    /// Intended: without a valid conversion the point stays exactly as it was, unlike above; plane
+    /// coordinates are recomputed any time, a measured fix is not thrown away. With an unset value, or when
+    /// the conversion fails, latitude, longitude and height become unset.
+    void CalcolaCoordGeog(CPunGps* point, int g);
+
+    // --- what the host hands in ----------------------------------------------------------------------------
+
+    CLibMap* GetArchLibMap() const { return ArchLibMap; }
+
+    long long GetTargetDrawing() const { return TargetDrawing; }
+
+    /// Moves the counted reference, as a group does. Groups keep theirs; those made afterwards get this one.
+    void SetTargetDrawing(long long id);
+
+    bool GetOpzWarning() const { return OpzWarning; }
+    void SetOpzWarning(bool on) { OpzWarning = on; }
+
+    /// Intended: does nothing. GPS entities have the dimension they were measured with.
+    void ModDimens2d3d(bool&, bool&) {}
+
+private:
+    friend struct CLibGpsLayout;  // lets a test look at the order of the fields
+
+    bool HasGrp(int g) const { return g >= 0 && g < GetGrpArSize(); }
+    bool HasPun(int g, int p) const { return HasGrp(g) && p >= 0 && p < GetPunArSize(g); }
+    std::vector<CPunGps*>& PunList(int g) const { return GrpList[static_cast<std::size_t>(g)]->PunList; }
+
+    std::vector<CGrpGps*> GrpList;
+    unsigned short StreamVersion = 0;
+    bool StreamFlag = false;
+    bool OpzWarning = false;
+    CLibMap* ArchLibMap;
+    long long TargetDrawing;
+
+    // Where groups were last found. Kept beside the groups and by pointer value, because a caller may ask for
+    // a group that is gone: its memory must not be looked into.
+    mutable std::unordered_map<const CGrpGps*, int> groupHints_;
+    mutable int lastGroup_ = 0;
+};

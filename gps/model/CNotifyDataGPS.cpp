@@ -1,0 +1,3 @@
+#include "gps/model/CNotifyDataGPS.h"
+
+CNotifyDataGPS::~CNotifyDataGPS() = default;
