@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/coord/MotoreProj.h"
 #include "platform/base/GpsValues.h"
 #include "platform/coord/CLibMap.h"
 #include "platform/coord/CMotoreConv.h"
@@ -33,7 +34,8 @@ bool Failed(double& a, double& b, double& c) {
     return false;
 }
 
-bool Usable(double v) { return IsCoordValid(v) && std::isfinite(v); }
+// Set, and a number that a computation can use: not NaN, not infinite.
+bool Usable(double v) { return std::fabs(v) < GPS_VAL_SET_LIMIT; }
 
 bool Usable(double a, double b, double c) { return Usable(a) && Usable(b) && Usable(c); }
 
@@ -76,6 +78,7 @@ CConvCoord& CConvCoord::operator=(const CConvCoord& other) {
     altez_ = other.altez_;
     showMessage_ = other.showMessage_;
     catena_.valid = false;
+    via_ = Via::unknown;
     return *this;
 }
 
@@ -87,8 +90,13 @@ void CConvCoord::Bind() {
     altez_.BindTo(this);
 }
 
-void CConvCoord::PartChanged() {
+void CConvCoord::PartAssigned() {
     catena_.valid = false;
+    via_ = Via::unknown;
+}
+
+void CConvCoord::PartChanged() {
+    PartAssigned();
     if (item_) item_->ConvCoordChanged();
 }
 
@@ -96,21 +104,33 @@ void CConvCoord::PartChanged() {
 
 const CConvCoord::Catena& CConvCoord::GetCatena() const {
     const std::uint64_t revision = map_ ? map_->GetRevision() : 0;
-    if (catena_.valid && catena_.mapRevision == revision) [[likely]]
-        return catena_;
+    if (catena_.valid && catena_.mapRevision == revision) return catena_;
 
     catena_ = {};
-    catena_.usable = true;
-    if (tpDtBase_ == dtProprio)
-        catena_.base = &dtBase_;
-    else if (tpDtBase_ == dtLibreria && map_ && map_->GetTpDtBaseGps() != 0)
-        catena_.base = map_->GetConvDtBaseGps();
+    switch (tpDtBase_) {
+        case dtWgs84:
+            break;
+        case dtProprio:
+            catena_.base = &dtBase_;
+            break;
+        case dtLibreria:
+            if (!map_)
+                catena_.baseKnown = false;
+            else if (map_->GetTpDtBaseGps() != 0)
+                catena_.base = map_->GetConvDtBaseGps();
+            break;
+        default:
+            catena_.baseKnown = false;
+    }
     if (catena_.base && catena_.base->IsIdentity()) catena_.base = nullptr;
+    catena_.usable = catena_.baseKnown;
 
     if (local_.GetTpProiezPla() != TpProiezPla::definizione) {
         double a = 0, rf = 0;
-        catena_.usable = GetEllissoide(a, rf) && a > 0;
-        if (catena_.usable) catena_.ellissoide = CEllissoide(a, rf);
+        if (GetEllissoide(a, rf) && a > 0)
+            catena_.ellissoide = CEllissoide(a, rf);
+        else
+            catena_.usable = false;
         if (flag_) {
             catena_.project =
                 map_ ? map_->GetDatAt(GetImp(impDatSel1), GetImp(impDatSel2), GetImp(impDatIndice)) : nullptr;
@@ -120,6 +140,8 @@ const CConvCoord::Catena& CConvCoord::GetCatena() const {
         }
     }
     if (!catena_.project) catena_.ellissoide = CEllissoide();
+    catena_.motore = local_.GetProiezPla().GetMotore();
+    if (!catena_.motore) catena_.usable = false;
     catena_.mapRevision = revision;
     catena_.valid = true;
     return catena_;
@@ -130,6 +152,7 @@ bool CConvCoord::GrafBaseToGrafWgs(double lat, double lon, double h, double& lat
     if (motore_) return motore_->GrafBaseToGrafWgs(lat, lon, h, latW, lonW, hW);
     if (!(std::fabs(lat) <= 90) || !Usable(lon) || !Usable(h)) return Failed(latW, lonW, hW);
     const Catena& c = GetCatena();
+    if (!c.baseKnown) return Failed(latW, lonW, hW);
     if (c.base && !ChangeDatum(CEllissoide(), c.base, nullptr, CEllissoide(), lat, lon, h))
         return Failed(latW, lonW, hW);
     latW = lat;
@@ -142,6 +165,7 @@ bool CConvCoord::GeocBaseToGeocWgs(double x, double y, double z, double& xW, dou
     if (motore_) return motore_->GeocBaseToGeocWgs(x, y, z, xW, yW, zW);
     if (!Usable(x, y, z)) return Failed(xW, yW, zW);
     const Catena& c = GetCatena();
+    if (!c.baseKnown) return Failed(xW, yW, zW);
     if (c.base) return c.base->ToStd(x, y, z, xW, yW, zW);
     xW = x;
     yW = y;
@@ -149,19 +173,51 @@ bool CConvCoord::GeocBaseToGeocWgs(double x, double y, double z, double& xW, dou
     return true;
 }
 
+void CConvCoord::FindVia() const {
+    const bool asMap = flag_ || tpDtBase_ == dtLibreria;
+    const Catena& c = GetCatena();
+    if (motore_)
+        via_ = Via::engine;
+    else if (c.usable && !asMap && !c.base && altez_.GetTpCalcPt() == CConvAltez::tpNessuno &&
+             !local_.IsRotoTrasSet())
+        via_ = Via::projection;
+    else
+        via_ = Via::chain;
+}
+
 bool CConvCoord::GrafGpsToPlanAtt(double lat, double lon, double h, double altAnt, double& east,
                                   double& north, double& height) const {
-    if (motore_) return motore_->GrafGpsToPlanAtt(lat, lon, h, altAnt, east, north, height);
+    if (via_ != Via::projection) return GrafGpsToPlanAttVia(lat, lon, h, altAnt, east, north, height);
+    // A million points go through here, so each is tested once, by what comes out: PROJ gives infinite values
+    // for what it cannot convert, and passes the height through. A sum is below the limit only when each of
+    // its terms is; NaN never is.
+    double x, y, z;
+    if (!(std::fabs(lat) <= 90)) return Failed(east, north, height);
+    catena_.motore->Forward(lat, lon, h - altAnt, x, y, z);
+    if (!(std::fabs(x) + std::fabs(y) + std::fabs(z) < GPS_VAL_SET_LIMIT)) return Failed(east, north, height);
+    east = x;
+    north = y;
+    height = z;
+    return true;
+}
+
+bool CConvCoord::GrafGpsToPlanAttVia(double lat, double lon, double h, double altAnt, double& east,
+                                     double& north, double& height) const {
+    if (via_ == Via::unknown) {
+        FindVia();
+        return GrafGpsToPlanAtt(lat, lon, h, altAnt, east, north, height);
+    }
+    if (via_ == Via::engine) return motore_->GrafGpsToPlanAtt(lat, lon, h, altAnt, east, north, height);
     const Catena& c = GetCatena();
     if (!c.usable || !(std::fabs(lat) <= 90) || !Usable(lon, h, altAnt)) return Failed(east, north, height);
 
     double ground = h - altAnt;
-    const bool datum = c.base || c.project;
     double latP = lat, lonP = lon;
-    if (datum && !ChangeDatum(CEllissoide(), c.base, c.project, c.ellissoide, latP, lonP, ground))
+    if ((c.base || c.project) &&
+        !ChangeDatum(CEllissoide(), c.base, c.project, c.ellissoide, latP, lonP, ground))
         return Failed(east, north, height);
     double x, y, z;
-    if (!local_.GetProiezPla().GrafToPlan(latP, lonP, ground, x, y, z)) return Failed(east, north, height);
+    c.motore->Forward(latP, lonP, ground, x, y, z);
 
     if (altez_.GetTpCalcPt() != CConvAltez::tpNessuno) {
         double latW = lat, lonW = lon, hW = h - altAnt, dh = 0;

@@ -25,8 +25,9 @@ bool CConvLocal::SetDefinizione(const std::string& definition, std::string& why)
     if (!wanted.SetDefinizione(definition, why)) return false;
     const bool same =
         wanted.GetType() == proiez_.GetType() && wanted.GetDefinizione() == proiez_.GetDefinizione();
+    if (same) return true;
     proiez_ = wanted;
-    if (!same) Changed();
+    Changed();
     return true;
 }
 

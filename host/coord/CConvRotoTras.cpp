@@ -44,15 +44,6 @@ void CConvRotoTras::Prepare() {
     ss_ = set_ ? scala_ * std::sin(angRot_ * kRad) : 0;
 }
 
-bool CConvRotoTras::IsRotoTrasSet() const { return set_; }
-
-void CConvRotoTras::ToLocal(double& x, double& y) const {
-    if (!set_) return;
-    const double dx = x - o1_, dy = y - o2_;
-    x = o3_ + sc_ * dx - ss_ * dy;
-    y = o4_ + ss_ * dx + sc_ * dy;
-}
-
 void CConvRotoTras::FromLocal(double& x, double& y) const {
     if (!set_) return;
     const double dx = x - o3_, dy = y - o4_;

@@ -1,12 +1,20 @@
 #include "platform/coord/CDatumConv.h"
 
 #include <cmath>
+#include <limits>
 
 #include "platform/base/GpsValues.h"
 
 namespace {
 
 constexpr double kArcSecond = 3.14159265358979323846 / (180.0 * 3600.0);  // radians
+
+// A map whose every result is NaN, which Apply answers with false.
+std::array<std::array<double, 4>, 3> NoResult() {
+    std::array<std::array<double, 4>, 3> map;
+    for (auto& row : map) row.fill(std::numeric_limits<double>::quiet_NaN());
+    return map;
+}
 
 }  // namespace
 
@@ -78,6 +86,10 @@ void CDatumConv::Prepare() {
         direct[i][3] = c_[i];
     }
     for (auto& row : inverse) row[3] = -(row[0] * c_[0] + row[1] * c_[1] + row[2] * c_[2]);
+
+    // A coefficient that is not set must not pass for a number, not even as a translation of that length.
+    for (const double c : c_)
+        if (!IsCoordValid(c) || !std::isfinite(c)) direct = inverse = NoResult();
 }
 
 bool CDatumConv::Apply(const Map& map, double x, double y, double z, double& xo, double& yo, double& zo) {
@@ -100,6 +112,6 @@ bool CDatumConv::FromStd(double x, double y, double z, double& xd, double& yd, d
     return Apply(toDatum_, x, y, z, xd, yd, zd);
 }
 
-bool operator==(const CDatumConv& a, const CDatumConv& b) {
+GPS_PLATFORM_API bool operator==(const CDatumConv& a, const CDatumConv& b) {
     return a.nome_ == b.nome_ && a.fromStd_ == b.fromStd_ && a.c_ == b.c_ && a.origine_ == b.origine_;
 }

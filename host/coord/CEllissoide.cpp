@@ -41,8 +41,8 @@ bool CEllissoide::GeocToGraf(double x, double y, double z, double& lat, double& 
     const double ep2 = e2_ / (1 - e2_);  // second eccentricity squared
 
     // Sine and cosine of the latitude, refined through those of the reduced latitude: no trigonometry
-    // in the loop, and the axis (p = 0) needs no case of its own. Two steps reach the rounding error
-    // for every height of the class comment; the first start is exact on the ellipsoid's surface.
+    // in the loop, and the axis (p = 0) needs no case of its own. Two steps stay within the class
+    // comment's accuracy, worst deep below the surface; the first start is exact on the surface itself.
     double sBeta = z * a_, cBeta = p * b;
     double sPhi = 0, cPhi = 0;
     for (int step = 0; step < 2; ++step) {
@@ -55,9 +55,10 @@ bool CEllissoide::GeocToGraf(double x, double y, double z, double& lat, double& 
         cBeta = cPhi * a_;
     }
     const double r = std::sqrt(sPhi * sPhi + cPhi * cPhi);
-    const double s = sPhi / r, c = cPhi / r;
-    lat = std::atan2(sPhi, cPhi) / kRad;
-    lon = std::atan2(y, x) / kRad;
+    const double s = r == 0 ? 1 : sPhi / r, c = r == 0 ? 0 : cPhi / r;  // r is 0 at the centre of a sphere
+    lat = std::atan2(s, c) / kRad;
+    lon = p == 0 ? 0 : std::atan2(y, x) / kRad;  // atan2 looks at the signs of zeros
+    if (lon == -180) lon = 180;
     h = p * c + z * s - a_ * std::sqrt(1 - e2_ * s * s);
     return ok;
 }

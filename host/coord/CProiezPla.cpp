@@ -17,8 +17,15 @@ std::string Ellipsoid(double a, double rf) {
     return rf > 1 ? " +a=" + Number(a) + " +rf=" + Number(rf) : " +R=" + Number(a);
 }
 
+// Set, and a number that a computation can use: not NaN, not infinite.
+bool Usable(double v) { return std::fabs(v) < GPS_VAL_SET_LIMIT; }
+
 // The projection alone, as PROJ writes it; empty when there is none.
 std::string ProjString(int type, const CProiezPla::Values& p, double a, double rf) {
+    // PROJ reads a text that is no number as 0, which is a projection, but not the one that was meant.
+    if (!Usable(a) || !Usable(rf)) return {};
+    for (const double v : p)
+        if (!Usable(v)) return {};
     std::string text;
     switch (type) {
         case TpProiezPla::mercatoreTrasversa:
@@ -64,7 +71,7 @@ bool Failed(double& a, double& b, double& c) {
     return false;
 }
 
-bool Usable(double v) { return IsCoordValid(v) && std::isfinite(v); }
+bool Usable(double a, double b, double c) { return Usable(a) && Usable(b) && Usable(c); }
 
 }  // namespace
 
@@ -139,13 +146,15 @@ const CProiezPla::Motore* CProiezPla::GetMotore() const {
 }
 
 bool CProiezPla::GrafToPlan(double lat, double lon, double h, double& x, double& y, double& z) const {
-    if (!(std::fabs(lat) <= 90) || !Usable(lon) || !Usable(h)) return Failed(x, y, z);
     const Motore* motore = GetMotore();
-    return motore && motore->Forward(lat, lon, h, x, y, z) ? true : Failed(x, y, z);
+    if (!motore || !(std::fabs(lat) <= 90) || !Usable(lon) || !Usable(h)) return Failed(x, y, z);
+    motore->Forward(lat, lon, h, x, y, z);
+    return Usable(x, y, z) ? true : Failed(x, y, z);
 }
 
 bool CProiezPla::PlanToGraf(double x, double y, double z, double& lat, double& lon, double& h) const {
-    if (!Usable(x) || !Usable(y) || !Usable(z)) return Failed(lat, lon, h);
     const Motore* motore = GetMotore();
-    return motore && motore->Inverse(x, y, z, lat, lon, h) ? true : Failed(lat, lon, h);
+    if (!motore || !Usable(x, y, z)) return Failed(lat, lon, h);
+    motore->Inverse(x, y, z, lat, lon, h);
+    return Usable(lat, lon, h) ? true : Failed(lat, lon, h);
 }

@@ -24,7 +24,9 @@ PJ_CONTEXT* Context() {
 }
 
 std::string AsCrs(const std::string& definition) {
-    const bool projString = definition.find("proj=") != std::string::npos;
+    // WKT, which may hold a PROJ string among other things, has brackets; a PROJ string never has.
+    const bool projString =
+        definition.find("proj=") != std::string::npos && definition.find('[') == std::string::npos;
     const bool isCrs = definition.find("type=crs") != std::string::npos;
     return projString && !isCrs ? definition + " +type=crs" : definition;
 }
@@ -57,6 +59,7 @@ bool HasHeight(const std::string& crs) {
 PJ* MakeProiezione(const std::string& projString) { return proj_create(Context(), projString.c_str()); }
 
 PJ* MakeSistema(const std::string& crs) {
+    if (!CheckSistema(crs).empty()) return nullptr;  // a code in the five values was not checked before
     const char* source = HasHeight(crs) ? "EPSG:4979" : "EPSG:4326";
     Pj raw(proj_create_crs_to_crs(Context(), source, crs.c_str(), nullptr));
     if (!raw) return nullptr;
@@ -66,16 +69,16 @@ PJ* MakeSistema(const std::string& crs) {
 }  // namespace
 
 std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::DaProiezione(const std::string& projString) {
-    return Condiviso(projString, MakeProiezione, kRadiansPerDegree);
+    return Condiviso(projString, MakeProiezione, false);
 }
 
 std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::DaSistema(const std::string& crs) {
-    return Condiviso(AsCrs(crs), MakeSistema, 1);
+    return Condiviso(AsCrs(crs), MakeSistema, true);
 }
 
 std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::Condiviso(const std::string& key,
                                                                         PJ* (*make)(const std::string&),
-                                                                        double angularUnit) {
+                                                                        bool ofSystem) {
     static std::map<std::string, std::weak_ptr<const Motore>> known;
     if (auto shared = known[key].lock()) return shared;
     PJ* transformation = make(key);
@@ -83,27 +86,30 @@ std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::Condiviso(const st
         known.erase(key);
         return nullptr;
     }
-    std::shared_ptr<const Motore> motore(new Motore(transformation, angularUnit));
+    std::shared_ptr<const Motore> motore(new Motore(transformation, ofSystem));
     known[key] = motore;
     return motore;
 }
 
+CProiezPla::Motore::Motore(PJ* transformation, bool ofSystem)
+    : pj_(transformation), unit_(ofSystem ? 1 : kRadiansPerDegree), ofSystem_(ofSystem) {}
+
 CProiezPla::Motore::~Motore() { proj_destroy(pj_); }
 
-bool CProiezPla::Motore::Forward(double lat, double lon, double h, double& x, double& y, double& z) const {
-    const PJ_COORD out = proj_trans(pj_, PJ_FWD, proj_coord(lon * unit_, lat * unit_, h, 0));
-    x = out.xyz.x;
-    y = out.xyz.y;
-    z = out.xyz.z;
-    return std::isfinite(x) && std::isfinite(y) && std::isfinite(z);
-}
-
-bool CProiezPla::Motore::Inverse(double x, double y, double z, double& lat, double& lon, double& h) const {
-    const PJ_COORD out = proj_trans(pj_, PJ_INV, proj_coord(x, y, z, 0));
-    lat = out.lpz.phi / unit_;
-    lon = out.lpz.lam / unit_;
-    h = out.lpz.z;
-    return std::isfinite(lat) && std::isfinite(lon) && std::isfinite(h);
+void CProiezPla::Motore::Refine(double x, double y, double z, double& lat, double& lon, double& h) const {
+    constexpr double enough = 1e-7, tooMuch = 1000;  // metres
+    double xIn = x, yIn = y, zIn = z;
+    for (int step = 0; step < 3; ++step) {
+        double xf, yf, zf;
+        Forward(lat, lon, h, xf, yf, zf);
+        const double dx = x - xf, dy = y - yf, dz = z - zf;
+        const double miss = std::fabs(dx) + std::fabs(dy) + std::fabs(dz);
+        if (!(miss > enough && miss < tooMuch)) return;  // reached, or no matter of a datum step
+        xIn += dx;
+        yIn += dy;
+        zIn += dz;
+        InverseOfProj(xIn, yIn, zIn, lat, lon, h);
+    }
 }
 
 std::string CheckSistema(const std::string& crs) {

@@ -16,11 +16,11 @@ CEgn::CEgn(const CEgn& other)
       CPointerRef(other),
       code_(other.code_),
       validita_(other.validita_),
-      nome_(other.nome_),
-      secScri_(other.secScri_),
       x_(other.x_),
       y_(other.y_),
       z_(other.z_),
+      nome_(other.nome_),
+      secScri_(other.secScri_),
       altri_(other.altri_ ? std::make_unique<Altri>(*other.altri_) : nullptr) {}
 
 CEgn& CEgn::operator=(const CEgn& other) {
@@ -46,21 +46,9 @@ void CEgn::SetNome(const std::string& nome) { nome_ = nome; }
 
 void CEgn::SetSecScri(const std::string& secScri) { secScri_ = secScri; }
 
-void CEgn::DoSetCoord(double x, double y, double z) {
-    x_ = x;
-    y_ = y;
-    z_ = z;
-}
-
 void CEgn::SetCodeEgn(unsigned long code) { code_ = static_cast<std::uint32_t>(code); }
 
 int CEgn::GetUserType() { return 0; }
-
-void CEgn::CalcolaValiditaXYZ() {
-    validita_ &= ~(VLDT_XY | VLDT_Z);
-    if (EstValidoXY()) validita_ |= VLDT_XY;
-    if (IsCoordValid(z_)) validita_ |= VLDT_Z;
-}
 
 const CEgn::Altri& CEgn::Altro() const {
     static const Altri nuovo;

@@ -62,7 +62,8 @@ public:
         ellProprio = 100  // semi-major axis R1 (metres) and inverse flattening R2
     };
 
-    /// Types of the measured datum.
+    /// Types of the measured datum. Any other type, or dtLibreria without a map library, makes every
+    /// computation fail: fixes are not taken for WGS 84 that may be hundreds of metres from it.
     enum : int {
         dtWgs84 = 0,    // fixes are in WGS 84
         dtProprio = 1,  // in the conversion's own datum, GetConvDtBaseGps
@@ -138,23 +139,40 @@ public:
 
     /// Puts another engine behind the computations, or with null the conversion's own. Not owned, not
     /// copied, not stored.
-    void SetMotore(CMotoreConv* motore) { motore_ = motore; }
+    void SetMotore(CMotoreConv* motore) {
+        motore_ = motore;
+        via_ = Via::unknown;
+    }
 
 private:
+    // What stands behind a computation, found again after a change.
+    enum class Via : std::uint8_t {
+        unknown,     // to be found again
+        engine,      // SetMotore
+        projection,  // the projection alone: what most jobs are, and nothing in it depends on the map library
+        chain        // anything else
+    };
+
     // Which links are not the identity; found again after a change here or in the map library.
     struct Catena {
         bool valid = false;
         std::uint64_t mapRevision = 0;
-        bool usable = false;                  // the chain is complete
+        bool baseKnown = true;                // the type of the measured datum means something here
+        bool usable = false;                  // all of these are there
         const CDatumConv* base = nullptr;     // measured datum, null: WGS 84
         const CDatumConv* project = nullptr;  // project's datum, null: as WGS 84
         CEllissoide ellissoide;               // of the project's datum
+        const CProiezPla::Motore* motore = nullptr;
     };
 
     void PartChanged() override;
+    void PartAssigned() override;
     void ApplyEllissoide();
     void Bind();
     const Catena& GetCatena() const;
+    void FindVia() const;
+    bool GrafGpsToPlanAttVia(double lat, double lon, double h, double altAnt, double& east, double& north,
+                             double& height) const;
 
     std::array<int, IMP_MAX> imp_{};
     bool flag_ = false;
@@ -167,5 +185,6 @@ private:
     CCloudItem* item_;
     CMotoreConv* motore_ = nullptr;
     bool showMessage_ = true;
+    mutable Via via_ = Via::unknown;
     mutable Catena catena_;
 };

@@ -34,10 +34,11 @@ public:
     /// projection must be set before. Unset or inconvertible g1, g2 make o1, o2 unset.
     void SetCoeffLatLon(double g1, double g2, double o3, double o4, double scala, double angRot);
 
-    /// Semi-major axis (metres) and inverse flattening of the projection. Reports nothing: it follows the
-    /// settings of the conversion, which do.
+private:
+    friend class CConvCoord;  // whose settings name the ellipsoid, and which reports their changes
+
+    /// Semi-major axis (metres) and inverse flattening of the projection.
     void SetEllissoide(double a, double invFlattening) { proiez_.SetEllissoide(a, invFlattening); }
 
-private:
     CProiezPla proiez_;
 };

@@ -13,13 +13,19 @@ public:
         /// A value of a part has changed.
         virtual void PartChanged() = 0;
 
+        /// A part was assigned to: what was prepared from it is out of date, but nothing is to be reported.
+        virtual void PartAssigned() = 0;
+
     protected:
         ~Whole() = default;  // never destroyed through this class
     };
 
     CConvPart() = default;
     CConvPart(const CConvPart&) noexcept {}
-    CConvPart& operator=(const CConvPart&) noexcept { return *this; }
+    CConvPart& operator=(const CConvPart&) noexcept {
+        if (whole_) whole_->PartAssigned();
+        return *this;
+    }
 
     /// `whole` must outlive the part; null unbinds.
     void BindTo(Whole* whole) { whole_ = whole; }

@@ -35,10 +35,15 @@ public:
     void SetRotoTras(double o1, double o2, double o3, double o4, double scala, double angRot);
 
     /// True when all six values are set and the scale is not 0.
-    bool IsRotoTrasSet() const;
+    bool IsRotoTrasSet() const { return set_; }
 
     /// Metres, in place. The identity while IsRotoTrasSet is false.
-    void ToLocal(double& x, double& y) const;
+    void ToLocal(double& x, double& y) const {
+        if (!set_) return;
+        const double dx = x - o1_, dy = y - o2_;
+        x = o3_ + sc_ * dx - ss_ * dy;
+        y = o4_ + ss_ * dx + sc_ * dy;
+    }
     void FromLocal(double& x, double& y) const;
 
     /// Fits the six values to control points by least squares (similarity transformation; with `fixedScale`

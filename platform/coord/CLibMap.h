@@ -45,6 +45,7 @@ public:
 
 private:
     void PartChanged() override { ++revision_; }
+    void PartAssigned() override { ++revision_; }
 
     std::map<std::pair<int, int>, std::vector<std::unique_ptr<CDatumConv>>> datums_;
     int tpDtBase_ = 0;

@@ -82,11 +82,12 @@ public:
     /// The inverse. On error: false, all three outputs unset.
     bool PlanToGraf(double x, double y, double z, double& lat, double& lon, double& h) const;
 
-    class Motore;  // what is shared
-
-private:
+    /// What projections of one definition share; null when the values define none. Valid until this object
+    /// changes. For the host's own conversions.
+    class Motore;
     const Motore* GetMotore() const;
 
+private:
     int type_ = TpProiezPla::nessuna;
     Values p_{};
     double a_;   // metres

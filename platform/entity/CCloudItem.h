@@ -55,10 +55,11 @@ public:
     void CloudItemChanged(std::uint32_t flag) {
         if (observer_) [[unlikely]]
             TellObserver(flag);
-        if (!reporting_) return;
+        // Bits that stand in both words already: the item is where it belongs, and there is nothing to do.
+        if ((mask_ & since_ & flag) == flag || !reporting_) return;
         mask_ |= flag;
         since_ |= flag;
-        if (byId_ && !changed_ && mask_ != 0) EnterChanged();
+        if (byId_ && !changed_) EnterChanged();
     }
 
     /// Switches reporting. Turning it on puts an item with a table, without id and not yet among the added

@@ -40,7 +40,11 @@ public:
     virtual void SetNome(const std::string& nome);
     virtual void SetSecScri(const std::string& secScri);
     /// Easting, northing, height: metres.
-    virtual void DoSetCoord(double x, double y, double z);
+    virtual void DoSetCoord(double x, double y, double z) {
+        x_ = x;
+        y_ = y;
+        z_ = z;
+    }
     /// Stores the lower 32 bits.
     virtual void SetCodeEgn(unsigned long code);
     /// Entity type number; 0 for an entity without a type of its own.
@@ -58,7 +62,10 @@ public:
     void SetCoord(double x, double y, double z) { DoSetCoord(x, y, z); }
 
     /// Stores in the validity word which of XY and Z have values; other bits stay.
-    void CalcolaValiditaXYZ();
+    void CalcolaValiditaXYZ() {
+        validita_ = (validita_ & ~(VLDT_XY | VLDT_Z)) | (EstValidoXY() ? VLDT_XY : 0) |
+                    (IsCoordValid(z_) ? VLDT_Z : 0);
+    }
 
     /// True when X and Y have values. Looks at the values, not at the validity word, so that an entity that
     /// nobody validated is judged right.
@@ -93,12 +100,13 @@ private:
     const Altri& Altro() const;
     Altri& AltroDaScrivere();
 
+    // What a recomputation touches stands together at the front: one cache line with the virtual table.
     std::uint32_t code_ = 0;
     std::uint32_t validita_ = 0;
+    double x_ = GPS_VAL_UNSET;  // metres
+    double y_ = GPS_VAL_UNSET;  // metres
+    double z_ = GPS_VAL_UNSET;  // metres
     std::string nome_;
     std::string secScri_;
-    double x_ = GPS_VAL_UNSET;      // metres
-    double y_ = GPS_VAL_UNSET;      // metres
-    double z_ = GPS_VAL_UNSET;      // metres
     std::unique_ptr<Altri> altri_;  // the rarely used rest, made on first use: a million points stay compact
 };
