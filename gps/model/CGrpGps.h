@@ -9,12 +9,14 @@
 #include "gps/GpsExport.h"
 #include "gps/model/CPunGps.h"
 #include "gps/model/ChangeBits.h"
+#include "gps/model/ListMoves.h"
 #include "gps/model/NomeMinGps.h"
 #include "platform/coord/CConvCoord.h"
 #include "platform/entity/CCloudItem.h"
 #include "platform/entity/CEgn.h"
 
 class CCloudTable;
+class CLibGps;
 class CLibMap;
 
 /// One survey from one base: the base's position, survey and receiver type, the conversion of the survey's
@@ -199,6 +201,7 @@ public:
 
 private:
     friend class CLibGps;
+    friend GPS_API void FCalcCoordGrpGps(CLibGps* book, int g);
     friend struct CGrpGpsLayout;  // lets a test look at the order of the fields
 
     template <class T>
@@ -233,7 +236,8 @@ private:
     std::uint32_t GrpRis32 = 0;
     int CloudCreatorDevId;
 
-    // Steps that searches in the point list took beyond the points' own hints since they were last
-    // renumbered.
+    // For searches in the point list: how positions have moved since they were noted, and the steps that
+    // searches took beyond that.
+    mutable ListMoves moves_;
     mutable std::size_t searchSteps_ = 0;
 };

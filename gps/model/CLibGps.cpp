@@ -1,5 +1,6 @@
 #include "gps/model/CLibGps.h"
 
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -42,6 +43,7 @@ CLibGps::CLibGps(CCloudProject* cloud, COpzListDisEgn*, COriData* orientation, C
 
 CLibGps::~CLibGps() {
     COrkaEng::SubDrawingRefUsage(TargetDrawing);  // with 0 too
+    index_.Clear();
     for (int i = GetGrpArSize() - 1; i >= 0; --i) DelGrpAt(i);
 }
 
@@ -60,12 +62,10 @@ void CLibGps::DelGrpAt(int i) {
     if (!HasGrp(i)) return;
     for (int j = GetPunArSize(i) - 1; j >= 0; --j) DelPunAt(i, j);
     CGrpGps* group = GrpList[static_cast<std::size_t>(i)];
-    groupHints_.erase(group);
+    index_.Erase(group);
     delete group;
     GrpList.erase(GrpList.begin() + i);
 }
-
-CGrpGps* CLibGps::GetGrpAt(int i) const { return HasGrp(i) ? GrpList[static_cast<std::size_t>(i)] : nullptr; }
 
 void CLibGps::GrpArReserve(int n) {
     if (n > 0) ReserveAtLeast(GrpList, static_cast<std::size_t>(n));
@@ -82,17 +82,10 @@ bool CLibGps::GetIndiciDiGrp(CGrpGps* group, int& i) const {
         i = lastGroup_;
         return true;
     }
-    const auto hint = groupHints_.find(group);
-    const int found = FindFromHint(GrpList, group, hint == groupHints_.end() ? 0 : hint->second);
+    const auto place = index_.Find(group);
+    const int found = FindFromHint(GrpList, group, place ? place->at : 0);
     if (found < 0) return false;
-    if (hint != groupHints_.end()) {
-        hint->second = found;
-    } else {
-        try {
-            groupHints_.emplace(group, found);
-        } catch (const std::bad_alloc&) {  // only a hint: the next search starts from 0 again
-        }
-    }
+    index_.Set(group, PositionIndex::kGroups, found);
     lastGroup_ = found;
     i = found;
     return true;
@@ -110,14 +103,17 @@ CPunGps* CLibGps::InsPunAt(int g, int p, bool fromCloud) {
     if (!HasGrp(g) || p < 0 || p > GetPunArSize(g)) return nullptr;
     CGrpGps* group = GrpList[static_cast<std::size_t>(g)];
     auto point = std::make_unique<CPunGps>(PointTable(GetCloudProject()), fromCloud, group);
-    point->groupHint_ = g;
-    point->pointHint_ = p;
-    return InsertAt(group->PunList, p, std::move(point));
+    CPunGps* inserted = InsertAt(group->PunList, p, std::move(point));
+    group->moves_.Inserted(p, GetPunArSize(g) - 1);
+    if (!index_.IsEmpty()) index_.Set(inserted, g, group->moves_.Noted(p));
+    return inserted;
 }
 
 void CLibGps::DelPunAt(int g, int p) {
     if (!HasPun(g, p)) return;
     std::vector<CPunGps*>& list = PunList(g);
+    GrpList[static_cast<std::size_t>(g)]->moves_.Deleted(p, GetPunArSize(g));
+    index_.Erase(list[static_cast<std::size_t>(p)]);
     delete list[static_cast<std::size_t>(p)];
     list.erase(list.begin() + p);
 }
@@ -128,16 +124,10 @@ void CLibGps::DelPunAt(CPunGps* point) {
     if (g >= 0 && p >= 0) DelPunAt(g, p);
 }
 
-CPunGps* CLibGps::GetPunAt(int g, int p) const {
-    return HasPun(g, p) ? PunList(g)[static_cast<std::size_t>(p)] : nullptr;
-}
-
 CPunGps* CLibGps::GetPunAt(CGrpGps* group, int p) const {
     int g = -1;
     return GetIndiciDiGrp(group, g) ? GetPunAt(g, p) : nullptr;
 }
-
-int CLibGps::GetPunArSize(int g) const { return HasGrp(g) ? static_cast<int>(PunList(g).size()) : 0; }
 
 int CLibGps::GetPunArSize(CGrpGps* group) const {
     int g = -1;
@@ -156,37 +146,52 @@ int CLibGps::PunArAddReserve(int g, int n) {
 
 bool CLibGps::GetIndiciDiPun(CPunGps* point, int& g, int& p) const {
     if (!point) return false;
+    int hint = 0;
+    if (const auto place = index_.Find(point)) {
+        // The common case, which does not even look at the point.
+        const auto group = static_cast<std::size_t>(place->group);
+        if (group < GrpList.size()) {
+            const CGrpGps& g0 = *GrpList[group];
+            hint = g0.moves_.Now(place->at);
+            if (static_cast<std::size_t>(hint) < g0.PunList.size() &&
+                g0.PunList[static_cast<std::size_t>(hint)] == point) {
+                g = place->group;
+                p = hint;
+                return true;
+            }
+        }
+    }
+
     // The owner may be gone when the point is a detached copy: it is compared, never looked into, before it
     // is found in the list.
-    int group = point->groupHint_;
-    if (GetGrpAt(group) != point->Group || !point->Group) {
-        if (!GetIndiciDiGrp(point->Group, group)) return false;
-        point->groupHint_ = group;
-    }
-    g = group;
-
+    if (!GetIndiciDiGrp(point->Group, g)) return false;
     const CGrpGps& owner = *point->Group;
-    const int found = FindFromHint(owner.PunList, point, point->pointHint_);
+    const int found = FindFromHint(owner.PunList, point, hint);
     if (found < 0) return false;
-    owner.searchSteps_ += static_cast<std::size_t>(std::abs(found - point->pointHint_));
-    point->pointHint_ = found;
     p = found;
-    // Many positions have moved: once the searches have cost as much as numbering them all anew, do that.
-    if (owner.searchSteps_ > owner.PunList.size()) {
-        for (std::size_t k = 0; k < owner.PunList.size(); ++k)
-            if (owner.PunList[k]) owner.PunList[k]->pointHint_ = static_cast<int>(k);
-        owner.searchSteps_ = 0;
-    }
+    owner.searchSteps_ += static_cast<std::size_t>(std::abs(found - hint));
+    // Once the searches have cost as much as noting all positions of the group anew, that is done.
+    if (owner.searchSteps_ > owner.PunList.size())
+        IndexGroup(g);
+    else
+        index_.Set(point, g, owner.moves_.Noted(found));
     return true;
 }
 
+void CLibGps::IndexGroup(int g) const {
+    const CGrpGps& group = *GetGrpAt(g);
+    for (std::size_t k = 0; k < group.PunList.size(); ++k)
+        index_.Set(group.PunList[k], g, static_cast<int>(k));
+    group.moves_.Clear();
+    group.searchSteps_ = 0;
+}
+
 void CLibGps::PunGpsSwap(int g, int i, int j) noexcept {
-    std::vector<CPunGps*>& list = GrpList.at(static_cast<std::size_t>(g))->PunList;
-    CPunGps*& a = list.at(static_cast<std::size_t>(i));
-    CPunGps*& b = list.at(static_cast<std::size_t>(j));
-    std::swap(a, b);
-    a->pointHint_ = i;
-    b->pointHint_ = j;
+    CGrpGps& group = *GrpList.at(static_cast<std::size_t>(g));
+    std::vector<CPunGps*>& list = group.PunList;
+    std::swap(list.at(static_cast<std::size_t>(i)), list.at(static_cast<std::size_t>(j)));
+    if (index_.IsEmpty()) return;
+    for (const int at : {i, j}) index_.Set(list[static_cast<std::size_t>(at)], g, group.moves_.Noted(at));
 }
 
 // --- the current group and point

@@ -1,12 +1,12 @@
 // CLibGps: the GPS field book of a project.
 #pragma once
 
-#include <unordered_map>
 #include <vector>
 
 #include "gps/GpsExport.h"
 #include "gps/model/CGrpGps.h"
 #include "gps/model/CPunGps.h"
+#include "gps/model/PositionIndex.h"
 #include "platform/entity/CLibConOri.h"
 
 class CCloudProject;
@@ -52,7 +52,7 @@ public:
     /// Deletes the group's points from the last to the first, then the group. Nothing for an i outside.
     void DelGrpAt(int i);
 
-    CGrpGps* GetGrpAt(int i) const;
+    CGrpGps* GetGrpAt(int i) const { return HasGrp(i) ? GrpList[static_cast<std::size_t>(i)] : nullptr; }
     int GetGrpArSize() const { return static_cast<int>(GrpList.size()); }
 
     /// Room for n groups. A hint: n below the present number, or negative, has no effect.
@@ -81,11 +81,13 @@ public:
     void DelPunAt(int g, int p);
     void DelPunAt(CPunGps* point);
 
-    CPunGps* GetPunAt(int g, int p) const;
+    CPunGps* GetPunAt(int g, int p) const {
+        return HasPun(g, p) ? PunList(g)[static_cast<std::size_t>(p)] : nullptr;
+    }
     CPunGps* GetPunAt(CGrpGps* group, int p) const;
 
     /// Number of points of group g, 0 for a g outside.
-    int GetPunArSize(int g) const;
+    int GetPunArSize(int g) const { return HasGrp(g) ? static_cast<int>(PunList(g).size()) : 0; }
 
     /// Number of points of a group. Intended: -1, not 0, for a group that the field book does not hold, so
     /// that a foreign group is told from an empty one.
@@ -161,8 +163,9 @@ private:
     CLibMap* ArchLibMap;
     long long TargetDrawing;
 
-    // Where groups were last found. Kept beside the groups and by pointer value, because a caller may ask for
-    // a group that is gone: its memory must not be looked into.
-    mutable std::unordered_map<const CGrpGps*, int> groupHints_;
+    void IndexGroup(int g) const;
+
+    // Where groups and points were last found; filled once positions are asked for.
+    mutable PositionIndex index_;
     mutable int lastGroup_ = 0;
 };

@@ -210,8 +210,4 @@ private:
     bool PrimaryPtDup;
     bool SecondaryPtDup;
     std::uint32_t PunRis32;
-
-    // Where the point was last found, its group and itself: the search starts there. Only a hint.
-    mutable int groupHint_ = 0;
-    mutable int pointHint_ = 0;
 };
