@@ -1,0 +1,5 @@
+target_sources(gpsbook_lib PRIVATE
+  commands/Convert.cpp
+  commands/ConvertSummary.cpp
+  commands/Program.cpp
+  commands/Simulate.cpp)
