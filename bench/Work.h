@@ -1,0 +1,82 @@
+// Work: something that is measured, and the measuring.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// Something that is done and timed; `before` each time something that is not timed.
+struct Run {
+    std::function<void()> run;
+    std::function<void()> before;
+
+    void operator()() const {
+        if (before) before();
+        run();
+    }
+};
+
+/// A piece of work on n items. `prepare` makes what it works on and gives what is done, which may be done any
+/// number of times at the same cost.
+struct Work {
+    std::string name;
+    std::function<Run(std::size_t n)> prepare;
+};
+
+/// Two pieces of work on the same items, and what their cost may be to each other.
+struct Ratio {
+    std::string name;
+    Work subject;
+    Work peer;
+    std::vector<std::size_t> counts;             // numbers of items
+    std::function<double(std::size_t n)> bound;  // largest ratio subject / peer; infinite: only shown
+    double enough = 0;  // ns per item that are good enough whatever the peer costs; 0: none
+    double growth = 0;  // largest growth of the ratio from first to last count; 0: not asked
+};
+
+/// A figure with a bound of its own.
+struct Figure {
+    std::string name;
+    std::string unit;
+    std::function<double(std::size_t n)> measure;
+    std::vector<std::size_t> counts;
+    double bound;
+    bool atLeast;  // the figure must be at least the bound; else at most
+};
+
+/// Keeps the compiler from throwing a result away.
+template <class T>
+inline void Keep(const T& value) {
+    asm volatile("" : : "g"(&value) : "memory");
+}
+
+/// CPU nanoseconds of this thread since it began.
+double CpuNs();
+
+/// CPU nanoseconds per item of `run`, repeated until it has taken 20 ms.
+double NsPerItem(const Run& run, std::size_t n);
+
+double Median(std::vector<double> values);
+
+// The cases, a file each.
+std::vector<Ratio> RecomputeRatios();
+std::vector<Ratio> MakeRatios();
+std::vector<Ratio> SetterRatios();
+std::vector<Ratio> PositionRatios();
+std::vector<Figure> MakeFigures();
+std::vector<Figure> NmeaFigures();
+
+/// Measures everything and prints a line each: name, measured, bound, holds or not. True when all hold.
+bool RunRatios(bool small);
+
+/// Registers everything with Google Benchmark.
+void RegisterCases();
+
+/// Single metrics by name, for comparison with other programs. Returns an exit status.
+int RunMetrics(int argc, char** argv);
+
+}  // namespace bench
