@@ -87,6 +87,7 @@ std::shared_ptr<const CProiezPla::Motore> CProiezPla::Motore::Condiviso(const st
         return nullptr;
     }
     std::shared_ptr<const Motore> motore(new Motore(transformation, ofSystem));
+    if (known.size() > 256) std::erase_if(known, [](const auto& entry) { return entry.second.expired(); });
     known[key] = motore;
     return motore;
 }

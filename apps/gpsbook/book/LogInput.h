@@ -31,8 +31,8 @@ public:
 
 private:
     std::string name_;
+    std::int64_t size_ = 0;  // before file_, whose opening sets it
     std::FILE* file_;
-    std::int64_t size_ = 0;
     std::int64_t read_ = 0;
     std::vector<char> buffer_;
 };

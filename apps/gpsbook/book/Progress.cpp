@@ -32,7 +32,7 @@ void Progress::Show(std::int64_t done) {
     if (!on_ || Percent(done, total_) == shown_) return;
     shown_ = Percent(done, total_);
     fmt::print(stderr, "\r{}", Bar(what_, done, total_));
-    std::fflush(stderr);
+    (void)std::fflush(stderr);
 }
 
 std::string Progress::Bar(const std::string& what, std::int64_t done, std::int64_t total) {

@@ -34,6 +34,8 @@ public:
     /// Errors: WriteError as MakeRowWriter reports it.
     OgrWriter(const TableFormatInfo& info, const RowOutput& output, const PlaneSystem& plane);
     ~OgrWriter() override;
+    OgrWriter(const OgrWriter&) = delete;
+    OgrWriter& operator=(const OgrWriter&) = delete;
 
     /// True when the installed GDAL has the driver of the format.
     static bool HasDriver(TableFormat format);
