@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "gps/model/EntityChanges.h"
 #include "platform/cad/COrkaEng.h"
 #include "platform/entity/CCloudManager.h"
 
@@ -35,29 +36,13 @@ CCloudItem* CGrpGps::GetCloudItem() const {
 }
 #pragma GCC diagnostic pop
 
-void CGrpGps::SetNome(const std::string& nome) {
-    if (nome == GetNome()) return;
-    CEgn::SetNome(nome);
-    CloudItemChanged(CHG_NOME);
-}
+void CGrpGps::SetNome(const std::string& nome) { ChangeNome(*this, nome); }
 
-void CGrpGps::SetSecScri(const std::string& secScri) {
-    if (secScri == GetSecScri()) return;
-    CEgn::SetSecScri(secScri);
-    CloudItemChanged(CHG_SECSCRI);
-}
+void CGrpGps::SetSecScri(const std::string& secScri) { ChangeSecScri(*this, secScri); }
 
-void CGrpGps::DoSetCoord(double x, double y, double z) {
-    if (x == GetCoordX() && y == GetCoordY() && z == GetCoordZ()) return;
-    CEgn::DoSetCoord(x, y, z);
-    CloudItemChanged(CHG_COORD);
-}
+void CGrpGps::DoSetCoord(double x, double y, double z) { ChangeCoord(*this, x, y, z); }
 
-void CGrpGps::SetCodeEgn(unsigned long code) {
-    if (static_cast<std::uint32_t>(code) == GetCodeEgn()) return;  // entity codes hold 32 bits
-    CEgn::SetCodeEgn(code);
-    CloudItemChanged(CHG_CODEEGN);
-}
+void CGrpGps::SetCodeEgn(unsigned long code) { ChangeCodeEgn(*this, code); }
 
 void CGrpGps::ConvCoordChanged() { CloudItemChanged(CHG_GRP_CONVCOORD); }
 

@@ -1,6 +1,7 @@
 #include "gps/model/CPunGps.h"
 
 #include "gps/model/CGrpGps.h"
+#include "gps/model/EntityChanges.h"
 
 CPunGps::CPunGps(CCloudTable* table, bool fromCloud, CGrpGps* group)
     : CCloudItem(table, fromCloud), Group(group) {
@@ -28,29 +29,13 @@ CCloudItem* CPunGps::GetCloudItem() const {
 }
 #pragma GCC diagnostic pop
 
-void CPunGps::SetNome(const std::string& nome) {
-    if (nome == GetNome()) return;
-    CEgn::SetNome(nome);
-    CloudItemChanged(CHG_NOME);
-}
+void CPunGps::SetNome(const std::string& nome) { ChangeNome(*this, nome); }
 
-void CPunGps::SetSecScri(const std::string& secScri) {
-    if (secScri == GetSecScri()) return;
-    CEgn::SetSecScri(secScri);
-    CloudItemChanged(CHG_SECSCRI);
-}
+void CPunGps::SetSecScri(const std::string& secScri) { ChangeSecScri(*this, secScri); }
 
-void CPunGps::DoSetCoord(double x, double y, double z) {
-    if (x == GetCoordX() && y == GetCoordY() && z == GetCoordZ()) return;
-    CEgn::DoSetCoord(x, y, z);
-    CloudItemChanged(CHG_COORD);
-}
+void CPunGps::DoSetCoord(double x, double y, double z) { ChangeCoord(*this, x, y, z); }
 
-void CPunGps::SetCodeEgn(unsigned long code) {
-    if (static_cast<std::uint32_t>(code) == GetCodeEgn()) return;  // entity codes hold 32 bits
-    CEgn::SetCodeEgn(code);
-    CloudItemChanged(CHG_CODEEGN);
-}
+void CPunGps::SetCodeEgn(unsigned long code) { ChangeCodeEgn(*this, code); }
 
 int CPunGps::GetUserType() { return 8; }
 
