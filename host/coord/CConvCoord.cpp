@@ -75,6 +75,7 @@ CConvCoord& CConvCoord::operator=(const CConvCoord& other) {
     tpDtBase_ = other.tpDtBase_;
     dtBase_ = other.dtBase_;
     local_ = other.local_;
+    ApplyEllissoide();
     altez_ = other.altez_;
     showMessage_ = other.showMessage_;
     catena_.valid = false;

@@ -1,5 +1,15 @@
 #include "platform/coord/CConvLocal.h"
 
+CConvLocal& CConvLocal::operator=(const CConvLocal& other) {
+    if (this == &other) return *this;
+    CConvRotoTras::operator=(other);
+    double a = 0, rf = 0;
+    proiez_.GetEllissoide(a, rf);
+    proiez_ = other.proiez_;
+    proiez_.SetEllissoide(a, rf);
+    return *this;
+}
+
 void CConvLocal::GetDatiProiezPlaEx(double& p1, double& p2, double& p3, double& p4, double& p5) const {
     const CProiezPla::Values& p = proiez_.GetValues();
     p1 = p[0];

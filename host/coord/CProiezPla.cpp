@@ -132,6 +132,11 @@ std::string CProiezPla::GetSistema() const {
     return proj.empty() ? proj : proj + " +units=m +no_defs +type=crs";
 }
 
+std::string CProiezPla::GetWkt() const {
+    const std::string system = GetSistema();
+    return system.empty() ? system : WktOf(system);
+}
+
 const CProiezPla::Motore* CProiezPla::GetMotore() const {
     if (!made_) {
         const std::string text =

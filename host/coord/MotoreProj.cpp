@@ -98,19 +98,31 @@ CProiezPla::Motore::Motore(PJ* transformation, bool ofSystem)
 CProiezPla::Motore::~Motore() { proj_destroy(pj_); }
 
 void CProiezPla::Motore::Refine(double x, double y, double z, double& lat, double& lon, double& h) const {
-    constexpr double enough = 1e-7, tooMuch = 1000;  // metres
+    constexpr double reached = 1e-7, acceptable = 1e-3;  // metres
     double xIn = x, yIn = y, zIn = z;
-    for (int step = 0; step < 3; ++step) {
+    for (int step = 0;; ++step) {
         double xf, yf, zf;
         Forward(lat, lon, h, xf, yf, zf);
         const double dx = x - xf, dy = y - yf, dz = z - zf;
         const double miss = std::fabs(dx) + std::fabs(dy) + std::fabs(dz);
-        if (!(miss > enough && miss < tooMuch)) return;  // reached, or no matter of a datum step
+        if (miss <= reached) return;
+        if (step == 6 || !std::isfinite(miss)) {
+            // Where the areas of two datum steps meet, PROJ may take one there and the other back. A position
+            // that does not lead to x, y, z is none.
+            if (!(miss <= acceptable)) lat = lon = h = HUGE_VAL;
+            return;
+        }
         xIn += dx;
         yIn += dy;
         zIn += dz;
         InverseOfProj(xIn, yIn, zIn, lat, lon, h);
     }
+}
+
+std::string WktOf(const std::string& crs) {
+    const Pj p(proj_create(Context(), AsCrs(crs).c_str()));
+    const char* wkt = p ? proj_as_wkt(Context(), p.get(), PJ_WKT2_2019, nullptr) : nullptr;
+    return wkt ? wkt : "";
 }
 
 std::string CheckSistema(const std::string& crs) {
@@ -120,8 +132,10 @@ std::string CheckSistema(const std::string& crs) {
                "' is not a coordinate system that PROJ knows: give EPSG:code, a PROJ string or WKT";
     const Pj horizontal = Horizontal(std::move(p));
     const PJ_TYPE type = horizontal ? proj_get_type(horizontal.get()) : PJ_TYPE_UNKNOWN;
+    if (type == PJ_TYPE_GEOCENTRIC_CRS)
+        return "'" + crs + "' is a geocentric system: give a projected one, with easting and northing";
     if (type == PJ_TYPE_GEOGRAPHIC_2D_CRS || type == PJ_TYPE_GEOGRAPHIC_3D_CRS ||
-        type == PJ_TYPE_GEOCENTRIC_CRS || type == PJ_TYPE_GEODETIC_CRS)
+        type == PJ_TYPE_GEODETIC_CRS)
         return "'" + crs + "' is a geographic system: give a projected one, with easting and northing";
     if (type != PJ_TYPE_PROJECTED_CRS)
         return "'" + crs + "' is not a projected coordinate system: give one with easting and northing";

@@ -50,13 +50,17 @@ private:
 
     /// PROJ turns the seven parameters of a datum step round by changing their signs, which is not their
     /// inverse: a position would come back some tenths of a millimetre beside itself. What is missing in the
-    /// plane (metres) is made up for until the forward direction returns to x, y, z.
+    /// plane (metres) is made up for until the forward direction returns to x, y, z; the result is infinite
+    /// when it does not.
     void Refine(double x, double y, double z, double& lat, double& lon, double& h) const;
 
     PJ* pj_;
     double unit_;    // what PROJ wants for one degree
     bool ofSystem_;  // from WGS 84 to a coordinate system: there may be a datum step
 };
+
+/// The WKT (2019) of a coordinate system; empty when it has none.
+std::string WktOf(const std::string& crs);
 
 /// Says what is wrong with the text of a projected coordinate system; empty when it is one.
 std::string CheckSistema(const std::string& crs);

@@ -71,7 +71,7 @@ void CCloudItem::SetCloudId(long long n) {
     if (table) table->EnterAdded(*this);
 }
 
-void CCloudItem::EnterChanged() {
+void CCloudItem::EnterChanged() noexcept {
     if (CCloudTable* table = GetTable()) table->EnterChanged(*this);
 }
 

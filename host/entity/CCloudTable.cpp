@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <new>
 
 #include "host/entity/CloudLink.h"
 
@@ -13,7 +14,7 @@ struct CCloudTable::Commit {
 
 CCloudTable::CCloudTable(enumTable kind) : kind_(kind), link_(new CCloudItem::TableLink{this}) {}
 
-// A snapshot has a link of its own that no item shares: whatever is done with it reaches no item.
+// A snapshot has a link of its own that no item shares: every operation that would change an item asks Owns.
 CCloudTable::CCloudTable(const CCloudTable& other)
     : kind_(other.kind_),
       owner_(other.owner_),
@@ -93,6 +94,7 @@ CCloudItem* CCloudTable::DelItemFromTable(long long id) {
     const auto found = byId_.find(id);
     if (found == byId_.end()) return nullptr;
     CCloudItem* item = found->second;
+    if (item && !Owns(item)) return nullptr;
     if (item) {
         LeaveById(*item);
     } else {
@@ -128,10 +130,12 @@ bool CCloudTable::BeginCommit() {
     auto commit = std::make_unique<Commit>();
     commit->tickets.reserve(GetAdded().size());
     for (const CCloudItem* item : GetAdded()) commit->tickets.push_back(item->ticket_);
-    for (const CCloudItem* item : changed_) commit->masks.emplace(item->id_, item->mask_);
+    for (const CCloudItem* item : GetChanged()) commit->masks.emplace(item->id_, item->mask_);
     commit->deleted = deleted_;
-    for (CCloudItem* item : GetAdded()) item->since_ = 0;
-    for (CCloudItem* item : changed_) item->since_ = 0;
+    for (CCloudItem* item : added_)
+        if (Owns(item)) item->since_ = 0;
+    for (CCloudItem* item : changed_)
+        if (Owns(item)) item->since_ = 0;
     sent_ = std::move(commit);
     return true;
 }
@@ -159,9 +163,11 @@ void CCloudTable::ConfirmOneAdded(CCloudItem* item, long long id, int devId) {
         byId_.emplace(id, nullptr);
         return;
     }
-    if (known != byId_.end() && known->second) return;  // an id never moves to another item
+    if (!Owns(item) || (known != byId_.end() && known->second)) return;  // an id never moves to another item
+    byId_[id] = item;  // the only step that can fail: nothing has changed then
+    deleted_.erase(id);
     item->id_ = id;
-    EnterById(*item);
+    item->byId_ = true;
     LeaveAdded(*item);
     SetCloudCreatorDevId(item, devId);
     item->mask_ = item->since_;
@@ -175,6 +181,7 @@ void CCloudTable::ConfirmChanged(const std::vector<long long>& accepted) {
         const auto known = byId_.find(id);
         if (sent == sent_->masks.end() || known == byId_.end() || !known->second) continue;
         CCloudItem& item = *known->second;
+        if (!Owns(&item)) continue;
         item.mask_ &= ~(sent->second & ~item.since_);
         if (item.mask_ == 0) LeaveChanged(item);
     }
@@ -251,9 +258,24 @@ void CCloudTable::LeaveById(CCloudItem& item) {
     item.byId_ = false;
 }
 
-void CCloudTable::EnterChanged(CCloudItem& item) {
-    changed_.insert(&item);
-    item.changed_ = true;
+void CCloudTable::EnterChanged(CCloudItem& item) noexcept {
+    try {
+        changed_.insert(&item);
+        item.changed_ = true;
+    } catch (const std::bad_alloc&) {
+        changedLost_ = true;  // its mask stands: GetChanged finds it again
+    }
+}
+
+const std::set<CCloudItem*>& CCloudTable::GetChanged() const {
+    if (!changedLost_) return changed_;
+    for (const auto& [id, item] : byId_) {
+        if (!item || item->mask_ == 0 || item->changed_ || !Owns(item)) continue;
+        changed_.insert(item);
+        item->changed_ = true;
+    }
+    changedLost_ = false;
+    return changed_;
 }
 
 void CCloudTable::LeaveChanged(CCloudItem& item) {

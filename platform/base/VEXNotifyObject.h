@@ -3,7 +3,7 @@
 
 #include "platform/base/PlatformExport.h"
 
-/// Root class of the notification model. Its only virtual operation is the destructor.
+/// What sources of notifications have in common: they can be destroyed through it.
 class GPS_PLATFORM_API VEXNotifyObject {
 public:
     /// Base of what a notification may carry. The receiver looks at it during the call only.

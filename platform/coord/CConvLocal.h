@@ -7,12 +7,13 @@
 #include "platform/coord/CProiezPla.h"
 
 /// One object that is both the plane projection and the roto-translation that follows it.
-/// The ellipsoid of the projection is set by the conversion that holds this part.
+/// The ellipsoid of the projection is set by the conversion that holds this part; an assignment leaves it
+/// alone.
 class GPS_PLATFORM_API CConvLocal : public CConvRotoTras {
 public:
     CConvLocal() = default;
     CConvLocal(const CConvLocal&) = default;
-    CConvLocal& operator=(const CConvLocal&) = default;
+    CConvLocal& operator=(const CConvLocal& other);
     ~CConvLocal() = default;
 
     /// See CProiezPla for types and the meaning of the five values.

@@ -31,9 +31,9 @@ struct TpProiezPla {
 ///   all others: latitude and longitude of origin (degrees, north and east positive), false easting, false
 ///     northing (metres), scale factor at the origin.
 ///
-/// Plane: x easting, y northing, metres, whatever axis order a definition has; a definition whose unit is not
-/// the metre gives its own unit. Geographic: degrees, on the projection's ellipsoid; for "definizione" WGS
-/// 84, because the datum step belongs to the definition then.
+/// Plane: x easting, y northing, metres, whatever axis order a definition has. A definition keeps its unit
+/// when that is not the metre, and its signs when its axes point west or south. Geographic: degrees, on the
+/// projection's ellipsoid; for "definizione" WGS 84, because the datum step belongs to the definition then.
 ///
 /// Accuracy: that of PROJ; there and back within 1e-11 degrees near the area of use, stereographic 1e-10.
 /// Projections of the same definition share what is costly to make, also between objects.
@@ -54,6 +54,10 @@ public:
 
     /// Semi-major axis in metres, inverse flattening (0: sphere); not used by "definizione".
     bool SetEllissoide(double a, double invFlattening);
+    void GetEllissoide(double& a, double& invFlattening) const {
+        a = a_;
+        invFlattening = rf_;
+    }
 
     /// Lambert conformal conic with two parallels from the usual six figures: latitude and longitude of
     /// origin, latitudes of the parallels (degrees), false easting and northing at the origin (metres).
@@ -75,6 +79,9 @@ public:
     /// The system as a text that PROJ understands as a coordinate reference system, for files that name
     /// theirs; empty without a projection.
     std::string GetSistema() const;
+
+    /// The same as WKT (2019), for programs that do not know all that PROJ does.
+    std::string GetWkt() const;
 
     /// Degrees, degrees, metres to easting, northing, height. On error: false, all three outputs unset.
     bool GrafToPlan(double lat, double lon, double h, double& x, double& y, double& z) const;

@@ -13,11 +13,11 @@ class CCloudTable;
 ///
 /// State: table (may be null), id (0: none; server ids are 1 or more), mask, the bits set since the last
 /// commit began, a ticket and a switch for reporting.
-/// The ticket is counted up by the table and given when an item first enters the table's added items; it
-/// stays with the item, so that an add record can be told to be this item's after a restart, too.
+/// Tickets are numbers of the table's own. An item draws one when it becomes an added item for the first time
+/// and keeps it for good: it is how an add record finds back to its item, even in another session.
 ///
-/// At any time: an item is in at most one of its table's added items and items by id; a changed item is
-/// among the items by id and has a mask other than 0; no collection holds a destroyed item.
+/// What always holds: no item is both added and known by id; changed items are known by id, and their masks
+/// say what changed; destroyed items are nowhere.
 ///
 /// The order of the virtual operations is part of the contract.
 class GPS_PLATFORM_API CCloudItem {
@@ -59,7 +59,7 @@ public:
         if ((mask_ & since_ & flag) == flag || !reporting_) return;
         mask_ |= flag;
         since_ |= flag;
-        if (byId_ && !changed_) EnterChanged();
+        if (byId_ && !changed_) EnterChanged();  // never fails: setters do not
     }
 
     /// Switches reporting. Turning it on puts an item with a table, without id and not yet among the added
@@ -86,7 +86,7 @@ private:
     struct TableLink;  // outlives the table, so that an item never holds a dangling table
 
     void TellObserver(std::uint32_t flag) const;
-    void EnterChanged();
+    void EnterChanged() noexcept;
 
     static const Observer* observer_;
 

@@ -67,13 +67,14 @@ public:
     /// deletion is queued. For a tombstone the queued deletion is dropped and null returned.
     CCloudItem* DelItemFromTable(long long id);
 
-    /// To be called before every deletion by the user or a replay, for a group and each of its points:
-    /// an item with an id becomes a tombstone whose deletion will be sent. The destructor never does this.
+    /// The user, or a replay of what the user did, is about to delete the item; for a group, each of its
+    /// points has to be announced as well. With an id it becomes a tombstone, and its deletion will be sent.
+    /// Destruction alone announces nothing.
     void ItemDeletedLocally(CCloudItem* item);
 
-    /// How an add record names its parent: the parent's id when it has one; else minus the 1-based ordinal
-    /// of the parent's own add record in the commit, when the parent's records were the last before
-    /// `counter`; else 0.
+    /// The parent as an add record refers to it: by its id; a parent that is added in the same commit by -k
+    /// when its own record is the k-th of the commit, counted from 1; any other by 0. `counter` is the number
+    /// of add records so far, those of the parent's table being the last of them.
     static long long CalcParentId(const CCloudItem* parent, CCloudTable* parentTable, int counter);
 
     // --- one commit ----------------------------------------------------------------------------------
@@ -83,11 +84,12 @@ public:
     bool BeginCommit();
     bool IsCommitUnderWay() const { return sent_ != nullptr; }
 
-    /// Ids of the added records in the order in which they were sent. An id below 1: refused, the item stays
-    /// added. A record whose item is gone: the id becomes a tombstone and its deletion is queued. Else the
-    /// item is known by its id and keeps only the bits set since the commit began. A second call with the
-    /// same ids changes nothing. Returns false, changing nothing, when the number of ids is not the number
-    /// of records or no commit is under way.
+    /// Requires: the items of the commit are still there, or were deleted by the user meanwhile; with the
+    /// book closed, a table takes no confirmations. Ids of the added records in the order in which they were
+    /// sent. An id below 1: refused, the item stays added. A record whose item is gone: the id becomes a
+    /// tombstone and its deletion is queued. Else the item is known by its id and keeps only the bits set
+    /// since the commit began. A second call with the same ids changes nothing. Returns false, changing
+    /// nothing, when the number of ids is not the number of records or no commit is under way.
     bool ConfirmAdded(const std::vector<long long>& ids, int devId);
 
     /// Clears, in each accepted record, the bits that were sent and not set again since.
@@ -103,7 +105,7 @@ public:
 
     /// Items without confirmation, in order of creation.
     const std::vector<CCloudItem*>& GetAdded() const;
-    const std::set<CCloudItem*>& GetChanged() const { return changed_; }
+    const std::set<CCloudItem*>& GetChanged() const;
     const std::set<long long>& GetDeleted() const { return deleted_; }
     const std::unordered_map<long long, CCloudItem*>& GetById() const { return byId_; }
 
@@ -122,7 +124,7 @@ private:
     void LeaveAdded(CCloudItem& item);
     void EnterById(CCloudItem& item);
     void LeaveById(CCloudItem& item);
-    void EnterChanged(CCloudItem& item);
+    void EnterChanged(CCloudItem& item) noexcept;
     void LeaveChanged(CCloudItem& item);
     bool Owns(const CCloudItem* item) const;
     bool HoldsOther(const CCloudItem& item) const;
@@ -141,7 +143,8 @@ private:
     mutable std::size_t addedGaps_ = 0;
     mutable bool addedSorted_ = true;
 
-    std::set<CCloudItem*> changed_;
+    mutable std::set<CCloudItem*> changed_;
+    mutable bool changedLost_ = false;  // memory ended: some changed items are not in the set yet
     std::unordered_map<long long, CCloudItem*> byId_;
     std::set<long long> deleted_;
     std::unique_ptr<Commit> sent_;

@@ -21,7 +21,7 @@ class CCloudItem;
 /// The order of the virtual operations is part of the contract.
 class GPS_PLATFORM_API CEgn : public VEXNotifySource, public CPointerRef {
 public:
-    /// Code of an entity that is to have no computed plane position.
+    /// The code that keeps an entity out of recomputation: it gets no plane coordinates from its fix.
     static constexpr std::uint32_t CODE_NE = 0x4E45;
 
     /// Validity bits: set where the coordinates have values.
@@ -74,7 +74,7 @@ public:
     std::uint32_t GetVldtEgn() const { return validita_; }
     void SetVldtEgn(std::uint32_t validita) { validita_ = validita; }
 
-    /// True for an entity that is to have no computed plane position: its code is CODE_NE.
+    /// Whether the entity is kept out of recomputation (CODE_NE).
     bool IsCodedNE() const { return code_ == CODE_NE; }
 
     // Texts and links that most entities never have.

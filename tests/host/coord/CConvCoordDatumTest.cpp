@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "platform/coord/CConvCoord.h"
 #include "platform/coord/CLibMap.h"
@@ -311,6 +312,76 @@ TEST(CConvCoordDatumTest, TheSameDefinitionAgainLeavesTheConversionUsable) {
     const Triple after = ToPlane(c);
     EXPECT_EQ(after.a, before.a);
     EXPECT_EQ(after.b, before.b);
+}
+
+TEST(CConvCoordDatumTest, AnAssignedLocalPartKeepsTheEllipsoidOfItsConversion) {
+    CConvCoord c, other;
+    SetUtm(c);
+    SetUtm(other);
+    other.SetImp(CConvCoord::impEllissoide, CConvCoord::ellInternazionale1924);
+    const Triple before = ToPlane(c);
+    *c.GetConvLocal() = *other.GetConvLocal();
+    EXPECT_EQ(ToPlane(c).b, before.b);
+    c = other;
+    EXPECT_EQ(ToPlane(c).b, ToPlane(other).b) << "an assigned conversion has the other's ellipsoid";
+}
+
+TEST(CConvCoordDatumTest, AMeasuredDatumOfTheMapLibraryMovesPlaneCoordinatesAtOnce) {
+    CLibMap map;
+    CConvCoord c(&map);
+    SetUtm(c);
+    c.SetTpDtBaseGps(CConvCoord::dtLibreria);
+    const Triple asWgs = ToPlane(c);
+    map.SetTpDtBaseGps(1);
+    map.GetConvDtBaseGps()->SetCoeffToStd(100, 0, 0, 0, 0, 0, 0);
+    EXPECT_GT(Distance(ToPlane(c), asWgs), 10);
+    map.SetTpDtBaseGps(0);
+    EXPECT_EQ(ToPlane(c).a, asWgs.a);
+}
+
+TEST(CConvCoordDatumTest, WithoutAProjectDatumTheEllipsoidOfS2MovesNoAngles) {
+    CConvCoord c;
+    SetUtm(c);
+    c.SetImp(CConvCoord::impEllissoide, CConvCoord::ellInternazionale1924);
+    c.SetTpDtBaseGps(CConvCoord::dtProprio);
+    c.GetConvDtBaseGps()->SetCoeffToStd(10, 20, 30, 0, 0, 0, 0);
+    Triple expected;
+    ASSERT_TRUE(
+        ProjPeer::Operation("+proj=pipeline +step +proj=cart +ellps=WGS84 +step +proj=helmert +x=10 +y=20 "
+                            "+z=30 +step +inv +proj=cart +ellps=WGS84 +step +proj=utm +zone=32 +ellps=intl")
+            .Forward(45.25, 9.75, 120, expected));
+    EXPECT_TRUE(Near(ToPlane(c), expected, 1e-6));
+}
+
+// Where the areas of two datum steps meet, the way back may take another one than the way there.
+TEST(CConvCoordDatumTest, AWayBackThatLeadsElsewhereIsNoResult) {
+    const std::tuple<const char*, double, double> places[] = {
+        {"EPSG:3003", 37.8421, 6.9173}, {"EPSG:3004", 37.0526, 15.7143}, {"EPSG:3003", 44.4, 9.0}};
+    for (const auto& [crs, lat, lon] : places) {
+        CConvCoord c;
+        std::string why;
+        ASSERT_TRUE(c.GetConvLocal()->SetDefinizione(crs, why)) << why;
+        Triple plane, back, again;
+        ASSERT_TRUE(c.GrafGpsToPlanAtt(lat, lon, 100, 0, plane.a, plane.b, plane.c)) << crs;
+        if (!c.PlanAttToGrafGps(plane.a, plane.b, plane.c, 0, back.a, back.b, back.c)) {
+            EXPECT_TRUE(AllUnset(back)) << crs << " at " << lat;
+            continue;
+        }
+        ASSERT_TRUE(c.GrafGpsToPlanAtt(back.a, back.b, back.c, 0, again.a, again.b, again.c));
+        EXPECT_TRUE(Near(again, plane, 1e-5)) << crs << " at " << lat;
+    }
+}
+
+// A height belongs to a system that has one: with 3D source the vertical step is part of the definition.
+TEST(CConvCoordDatumTest, ACompoundDefinitionTakesTheHeightThroughItsVerticalStep) {
+    const std::string crs = "EPSG:32633+5773";  // EGM96 height; its grid is small and comes with PROJ
+    CConvCoord c;
+    std::string why;
+    ASSERT_TRUE(c.GetConvLocal()->SetDefinizione(crs, why)) << why;
+    Triple t, expected;
+    ASSERT_TRUE(c.GrafGpsToPlanAtt(45.25, 15.5, 120, 2, t.a, t.b, t.c));
+    ASSERT_TRUE(ProjPeer::Systems("EPSG:4979", crs).Forward(45.25, 15.5, 118, expected));
+    EXPECT_TRUE(Near(t, expected, 1e-6));
 }
 
 }  // namespace

@@ -160,7 +160,7 @@ TEST(DefinizioneTest, WhatIsNoProjectedSystemIsRefusedWithItsNameAndChangesNothi
                                 {"EPSG:", "not a coordinate system"},
                                 {"EPSG:4326", "geographic"},
                                 {"EPSG:4979", "geographic"},
-                                {"EPSG:4978", "geographic"},
+                                {"EPSG:4978", "geocentric"},
                                 {"EPSG:5703", "not a projected"},
                                 {"+proj=longlat +datum=WGS84", "geographic"},
                                 {"", "not a coordinate system"},

@@ -334,4 +334,34 @@ TEST(CloudTable, BaseHasNoRecordsAndRefusesReplies) {
     EXPECT_EQ(table.GetAdded(), Items{&item});
 }
 
+// What is done with a snapshot, or with a table that was assigned to, changes no item of the original.
+TEST(CloudTable, OperationsOfASnapshotReachNoItem) {
+    Table table;
+    Item added(&table, false);
+    {
+        Item known(&table, false);
+        Register(table, known, 5);
+        known.CloudItemChanged(0x4);
+        Table snapshot(table), assigned;
+        assigned = table;
+        for (Table* copy : {&snapshot, &assigned}) {
+            EXPECT_EQ(copy->DelItemFromTable(5), nullptr);
+            EXPECT_TRUE(copy->BeginCommit());
+            EXPECT_TRUE(copy->ConfirmAdded({9}, 1));
+            copy->ConfirmChanged({5});
+            copy->ItemDeletedLocally(&known);
+            EXPECT_FALSE(copy->AddItemToTable(&known));
+            copy->EndCommit();
+        }
+        EXPECT_EQ(added.GetCloudId(), 0);
+        EXPECT_EQ(known.GetCloudFlag(), 0x4U);
+        EXPECT_EQ(Find(table, 5, &known), Known::item);
+        EXPECT_TRUE(IsChanged(table, known));
+    }
+    CCloudItem* none = &added;
+    EXPECT_FALSE(table.FindItem(5, none));
+    EXPECT_TRUE(table.GetChanged().empty());
+    EXPECT_EQ(table.GetAdded(), Items{&added});
+}
+
 }  // namespace
