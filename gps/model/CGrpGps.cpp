@@ -76,8 +76,9 @@ void CGrpGps::GetLabels(std::string& nomeGrp, std::string& oper, std::string& st
 
 void CGrpGps::SetTargetDrawing(long long id) {
     if (TargetDrawing != 0) COrkaEng::SubDrawingRefUsage(TargetDrawing);
+    TargetDrawing = 0;  // should the engine fail now, no reference is held that was never taken
+    if (id != 0) COrkaEng::AddDrawingRefUsage(id);
     TargetDrawing = id;
-    if (TargetDrawing != 0) COrkaEng::AddDrawingRefUsage(TargetDrawing);
 }
 
 void CGrpGps::AzzeraPunSet() {

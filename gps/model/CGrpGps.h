@@ -27,9 +27,9 @@ class CLibMap;
 /// metres.
 ///
 /// Groups are made, placed and destroyed by the field book (CLibGps), and points are added and removed
-/// through it. A group owns its points and holds one counted reference to its target drawing. A copy lists
-/// the same points and takes no reference: it is a value, and only one of the two may be destroyed while it
-/// lists them.
+/// through it. A group owns its points and holds one counted reference to its target drawing. A copy is a
+/// value that lists the same points and takes no reference; its destruction would delete points that the
+/// other one still lists.
 class GPS_API CGrpGps : public CEgn, public CCloudItem {
 public:
     /// Points by name, not owned.

@@ -55,7 +55,9 @@ CGrpGps* CLibGps::InsGrpAt(int i, bool fromCloud) {
     if (i < 0 || i > GetGrpArSize()) return nullptr;
     auto group =
         std::make_unique<CGrpGps>(BaseTable(GetCloudProject()), fromCloud, ArchLibMap, TargetDrawing);
-    return InsertAt(GrpList, i, std::move(group));
+    CGrpGps* inserted = InsertAt(GrpList, i, std::move(group));
+    if (!index_.IsEmpty()) index_.Set(inserted, PositionIndex::kGroups, i);
+    return inserted;
 }
 
 void CLibGps::DelGrpAt(int i) {
@@ -83,9 +85,15 @@ bool CLibGps::GetIndiciDiGrp(CGrpGps* group, int& i) const {
         return true;
     }
     const auto place = index_.Find(group);
-    const int found = FindFromHint(GrpList, group, place ? place->at : 0);
+    const int hint = place ? place->at : 0;
+    const int found = FindFromHint(GrpList, group, hint);
     if (found < 0) return false;
-    index_.Set(group, PositionIndex::kGroups, found);
+    groupSteps_ += static_cast<std::size_t>(std::abs(found - hint));
+    // Once the searches have cost as much as noting all positions anew, that is done.
+    if (groupSteps_ > GrpList.size())
+        IndexGroups();
+    else
+        index_.Set(group, PositionIndex::kGroups, found);
     lastGroup_ = found;
     i = found;
     return true;
@@ -148,13 +156,15 @@ bool CLibGps::GetIndiciDiPun(CPunGps* point, int& g, int& p) const {
     if (!point) return false;
     int hint = 0;
     if (const auto place = index_.Find(point)) {
-        // The common case, which does not even look at the point.
+        // The common case, which does not even look at the point, unless some point was ever assigned the
+        // owner of another one: a point whose owner is not the group it stands in is not found.
         const auto group = static_cast<std::size_t>(place->group);
         if (group < GrpList.size()) {
             const CGrpGps& g0 = *GrpList[group];
             hint = g0.moves_.Now(place->at);
             if (static_cast<std::size_t>(hint) < g0.PunList.size() &&
-                g0.PunList[static_cast<std::size_t>(hint)] == point) {
+                g0.PunList[static_cast<std::size_t>(hint)] == point &&
+                (!CPunGps::ownersAssigned_.load(std::memory_order_relaxed) || point->Group == &g0)) {
                 g = place->group;
                 p = hint;
                 return true;
@@ -176,6 +186,12 @@ bool CLibGps::GetIndiciDiPun(CPunGps* point, int& g, int& p) const {
     else
         index_.Set(point, g, owner.moves_.Noted(found));
     return true;
+}
+
+void CLibGps::IndexGroups() const {
+    for (std::size_t k = 0; k < GrpList.size(); ++k)
+        index_.Set(GrpList[k], PositionIndex::kGroups, static_cast<int>(k));
+    groupSteps_ = 0;
 }
 
 void CLibGps::IndexGroup(int g) const {
@@ -222,6 +238,7 @@ CConvCoord* CLibGps::GetCurrValidConvCoord() const {
 
 void CLibGps::SetTargetDrawing(long long id) {
     if (TargetDrawing != 0) COrkaEng::SubDrawingRefUsage(TargetDrawing);
+    TargetDrawing = 0;  // should the engine fail now, no reference is held that was never taken
+    if (id != 0) COrkaEng::AddDrawingRefUsage(id);
     TargetDrawing = id;
-    if (TargetDrawing != 0) COrkaEng::AddDrawingRefUsage(TargetDrawing);
 }

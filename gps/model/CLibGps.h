@@ -25,11 +25,11 @@ class COriData;
 /// except by the two swaps, where it is a programming error and ends the process. Making a group or point
 /// may throw std::bad_alloc: nothing has been added then.
 ///
-/// None of the operations notifies, writes a journal, reports a cloud change or sets the modified flag: the
-/// host does that around them. It keeps no state between threads; calls come from one thread.
+/// The field book edits and nothing more: notifications, journals, cloud changes and the modified flag are
+/// the host's business around each edit. Calls come from one thread.
 ///
-/// A copy holds the same groups and takes no drawing reference: only one of the two may be destroyed with
-/// groups in it.
+/// A copy holds the same groups and takes no drawing reference: it is for looking at, and its destruction
+/// would delete groups that the other one still holds.
 class GPS_API CLibGps : public CLibConOri {
 public:
     /// `cloud`, `displayOptions`, `orientation` and `map` may be null. `targetDrawing` 0: no drawing.
@@ -108,8 +108,8 @@ public:
 
     // --- the current group and point ---------------------------------------------------------------------
 
-    /// The group in which new measurements go: the last one; in a cloud project the last one that this device
-    /// created. Null when there is none.
+    /// Where a new fix belongs: into the last group, in a cloud project into the last one made on this
+    /// device. Null when there is none.
     CGrpGps* GetCurrGrp() const;
 
     /// The current group's last point; null without a current group or points in it.
@@ -143,6 +143,12 @@ public:
     /// Moves the counted reference, as a group does. Groups keep theirs; those made afterwards get this one.
     void SetTargetDrawing(long long id);
 
+    // Version and flag of the last transfer to or from a stream, kept for the host.
+    unsigned short GetStreamVersion() const { return StreamVersion; }
+    void SetStreamVersion(unsigned short version) { StreamVersion = version; }
+    bool GetStreamFlag() const { return StreamFlag; }
+    void SetStreamFlag(bool flag) { StreamFlag = flag; }
+
     bool GetOpzWarning() const { return OpzWarning; }
     void SetOpzWarning(bool on) { OpzWarning = on; }
 
@@ -164,8 +170,10 @@ private:
     long long TargetDrawing;
 
     void IndexGroup(int g) const;
+    void IndexGroups() const;
 
     // Where groups and points were last found; filled once positions are asked for.
     mutable PositionIndex index_;
     mutable int lastGroup_ = 0;
+    mutable std::size_t groupSteps_ = 0;
 };

@@ -11,6 +11,45 @@ CPunGps::CPunGps(CCloudTable* table, bool fromCloud, CGrpGps* group)
 
 CPunGps::~CPunGps() = default;
 
+std::atomic<bool> CPunGps::ownersAssigned_ = false;
+
+CPunGps& CPunGps::operator=(const CPunGps& other) {
+    if (Group != other.Group) ownersAssigned_.store(true, std::memory_order_relaxed);
+    CEgn::operator=(other);
+    CCloudItem::operator=(other);
+    Group = other.Group;
+    Year = other.Year;
+    Month = other.Month;
+    Day = other.Day;
+    Tod = other.Tod;
+    HposRms = other.HposRms;
+    VposRms = other.VposRms;
+    Pdop = other.Pdop;
+    Gdop = other.Gdop;
+    NuGpsUsed = other.NuGpsUsed;
+    NuGloUsed = other.NuGloUsed;
+    PosCov_xx = other.PosCov_xx;
+    PosCov_yy = other.PosCov_yy;
+    PosCov_zz = other.PosCov_zz;
+    PosCov_tt = other.PosCov_tt;
+    PosCov_xy = other.PosCov_xy;
+    PosCov_xz = other.PosCov_xz;
+    PosCov_xt = other.PosCov_xt;
+    PosCov_yz = other.PosCov_yz;
+    PosCov_yt = other.PosCov_yt;
+    PosCov_zt = other.PosCov_zt;
+    Lat = other.Lat;
+    Long = other.Long;
+    Elev = other.Elev;
+    AltAnt = other.AltAnt;
+    Qua = other.Qua;
+    for (int i = 0; i < 3; ++i) GrafBase[i] = other.GrafBase[i];
+    PrimaryPtDup = other.PrimaryPtDup;
+    SecondaryPtDup = other.SecondaryPtDup;
+    PunRis32 = other.PunRis32;
+    return *this;
+}
+
 CCloudItem* CPunGps::CloudItemOf(const CPunGps* point) {
     return const_cast<CPunGps*>(point);  // the conversion to the base keeps null
 }

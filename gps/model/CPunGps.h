@@ -1,6 +1,7 @@
 // CPunGps: a GPS point, one fix of the field book.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -33,7 +34,7 @@ public:
 
     /// Member-wise; nothing is reported and no group learns of the copy.
     CPunGps(const CPunGps&) = default;
-    CPunGps& operator=(const CPunGps&) = default;
+    CPunGps& operator=(const CPunGps& other);
     ~CPunGps() override;
 
     /// The cloud item of a point that may be null: null in, null out.
@@ -187,6 +188,10 @@ private:
     void Set(T& field, T value, std::uint32_t flag) {
         if (StoreOnly(field, value)) CloudItemChanged(flag);
     }
+
+    // Whether any point ever got another owner by assignment; until then a point stands in its owner's list,
+    // and the field book need not look.
+    static std::atomic<bool> ownersAssigned_;
 
     CGrpGps* Group;
     unsigned short Year;

@@ -1,7 +1,7 @@
 // Change bits: what a setter reports to its cloud item, and what the cloud tables send by.
 //
-// The numbers are stored and sent; they are never reused. Bits from 0x10 up mean different fields for points
-// and for groups and are read against the item's own table.
+// The numbers are stored and sent; they are never reused. The first four are common; above them points and
+// groups each have their own, so that a mask means nothing without the kind of its item.
 #pragma once
 
 #include <cstdint>

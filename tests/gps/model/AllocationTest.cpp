@@ -162,4 +162,34 @@ TEST(Allocation, ReservationsBeyondTheMemoryAreHintsWithoutEffect) {
     EXPECT_NE(book.lib.AddPun(0, false), nullptr);
 }
 
+// A setter does not fail when the table has no memory to note the item: the change is found when it is asked
+// for.
+TEST(Allocation, ChangeOfAKnownItemIsNotLostWithoutMemory) {
+    Book book;
+    book.Fill({1});
+    CPunGps& point = *book.lib.GetPunAt(0, 0);
+    point.SetCloudId(7);
+    ASSERT_TRUE(book.points.AddItemToTable(&point));
+    {
+        const FailingHeap heap(0);
+        EXPECT_NO_THROW(point.SetElev(1));
+        EXPECT_TRUE(FailingHeap::HasFailed());
+    }
+    EXPECT_EQ(point.GetCloudFlag(), CHG_PUN_ELEV);
+    EXPECT_EQ(book.points.GetChanged().count(&point), 1U);
+}
+
+TEST(Allocation, DrawingThatCannotBeCountedIsNotHeld) {
+    constexpr long long other = 881;
+    Book book;
+    book.Fill({0});
+    CGrpGps& group = *book.lib.GetGrpAt(0);
+    {
+        const FailingHeap heap(0);
+        EXPECT_THROW(group.SetTargetDrawing(other), std::bad_alloc);
+    }
+    EXPECT_EQ(group.GetTargetDrawing(), 0);
+    EXPECT_EQ(COrkaEng::GetDrawingRefUsage(other), 0);
+}
+
 }  // namespace

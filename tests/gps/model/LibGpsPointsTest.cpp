@@ -285,4 +285,25 @@ TEST(BookPoints, AbsurdReservationsAreHintsWithoutEffect) {
     EXPECT_EQ(book.lib.GetPunArSize(1), 2);
 }
 
+// Assignment copies the owner: a point that names another group is not found where it stands, whether it was
+// asked for before or not.
+TEST(BookPoints, PointWithTheOwnerOfAnotherIsNotFoundWhateverWasAskedBefore) {
+    for (const bool askedBefore : {false, true}) {
+        Book book;
+        book.Fill({1, 1});
+        CPunGps* p = book.lib.GetPunAt(0, 0);
+        const CPunGps* q = book.lib.GetPunAt(1, 0);
+        int g = -1, at = -1;
+        if (askedBefore) {
+            ASSERT_TRUE(book.lib.GetIndiciDiPun(p, g, at));
+        }
+        *p = *q;
+        g = at = -1;
+        EXPECT_FALSE(book.lib.GetIndiciDiPun(p, g, at)) << askedBefore;
+        EXPECT_EQ(g, 1) << "the owner's group was found";
+        book.lib.DelPunAt(p);
+        EXPECT_EQ(book.lib.GetPunArSize(0), 1) << askedBefore;
+    }
+}
+
 }  // namespace
