@@ -27,7 +27,12 @@ void GroupFiller::Accept(const Epoch& epoch) {
         if (watcher_) watcher_(epoch.line, VerdictText(verdict), {});
         return;
     }
-    FillPoint(*book_.AddPun(group_, false), epoch);
+    CPunGps& point = *book_.AddPun(group_, false);
+    FillPoint(point, epoch);
+    if (header_ && header_->hasBase) {
+        FillBase(point, *header_);
+        if (!first_.hasBase) first_ = *header_;
+    }
     ++report_.points;
     ++report_.byQuality[epoch.quality];
 }
@@ -71,20 +76,32 @@ void GroupFiller::Ignore(Reason reason, std::int64_t line, std::string_view deta
     if (watcher_) watcher_(line, ReasonText(reason), detail);
 }
 
+void GroupFiller::FillBase(CPunGps& point, const LogHeader& header) const {
+    // The base stands over its own mark: an antenna offset that the log does not give is taken as none.
+    const double antenna = IsCoordValid(header.baseAntenna) ? header.baseAntenna : 0;
+    const bool marker = fill_.heights == HeightsOf::marker;
+    point.SetGrafBase(header.baseLat, header.baseLon,
+                      marker ? header.baseHeight + antenna : header.baseHeight);
+}
+
 void GroupFiller::FillGroup(const LogHeader& header) {
-    report_.header = header;
+    report_.header = first_.hasBase ? first_ : header;
+    report_.header.format = header.format;
     CGrpGps& group = *book_.GetGrpAt(group_);
     if (const CPunGps* first = book_.GetPunAt(group_, 0))
         group.SetData(fmt::format("{:04}-{:02}-{:02}", first->GetYear(), first->GetMonth(), first->GetDay()));
-    if (!header.hasBase) return;
-    // The base stands over its own mark: an antenna offset that the log does not give is taken as none.
-    const double antenna = IsCoordValid(header.baseAntenna) ? header.baseAntenna : 0;
-    group.SetBaseLat(header.baseLat);
-    group.SetBaseLong(header.baseLon);
-    group.SetBaseElev(fill_.heights == HeightsOf::marker ? header.baseHeight + antenna : header.baseHeight);
-    group.SetBaseAltAnt(antenna);
-    for (int p = 0; p < book_.GetPunArSize(group_); ++p)
-        book_.GetPunAt(group_, p)->SetGrafBase(group.GetBaseLat(), group.GetBaseLong(), group.GetBaseElev());
+    const LogHeader& base = report_.header;
+    if (!base.hasBase) return;
+    CPunGps atBase(nullptr, false, nullptr);  // the base's phase centre, by the rule for points
+    FillBase(atBase, base);
+    double lat = 0, lon = 0, h = 0;
+    atBase.GetGrafBase(lat, lon, h);
+    group.SetBaseLat(lat);
+    group.SetBaseLong(lon);
+    group.SetBaseElev(h);
+    group.SetBaseAltAnt(IsCoordValid(base.baseAntenna) ? base.baseAntenna : 0);
+    if (header_) return;  // every point got its own base when it was met
+    for (int p = 0; p < book_.GetPunArSize(group_); ++p) FillBase(*book_.GetPunAt(group_, p), base);
 }
 
 }  // namespace gpsbook

@@ -36,17 +36,22 @@ public:
     GroupFiller(CLibGps& book, int group, const FillOptions& fill, const EpochFilter& filter,
                 long& nextNumber, LogReport& report);
 
+    /// The header that the reader keeps, looked at with every epoch: a file may hold several sessions, each
+    /// with its base. `header` must outlive the reading.
+    void SetHeader(const LogHeader* header) { header_ = header; }
+
     void SetWatcher(Watcher watcher) { watcher_ = std::move(watcher); }
 
     void Accept(const Epoch& epoch) override;
     void Reject(Reason reason, std::int64_t line, std::string_view detail) override;
     void Ignore(Reason reason, std::int64_t line, std::string_view detail) override;
 
-    /// Stores what the log says of its base, and the date of the first point.
+    /// Stores what the log says of its base, the first one of several, and the date of the first point.
     void FillGroup(const LogHeader& header);
 
 private:
     void FillPoint(CPunGps& point, const Epoch& epoch);
+    void FillBase(CPunGps& point, const LogHeader& header) const;
 
     CLibGps& book_;
     int group_;
@@ -54,6 +59,8 @@ private:
     EpochFilter filter_;
     long& nextNumber_;
     LogReport& report_;
+    const LogHeader* header_ = nullptr;
+    LogHeader first_;  // with the first base met
     Watcher watcher_;
     std::string name_;  // of the next point, kept to be filled anew without allocation
 };

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "apps/gpsbook/book/Interrupt.h"
 #include "apps/gpsbook/book/LogInput.h"
 #include "apps/gpsbook/book/Progress.h"
 #include "apps/gpsbook/readers/Format.h"
@@ -25,8 +26,10 @@ LogReport ImportLog(const std::string& file, CLibGps& book, int group, const Fil
     GroupFiller filler(book, group, fill, EpochFilter(filter, format), nextNumber, report);
     filler.SetWatcher(watcher);
     const auto reader = MakeReader(format, filler);
+    filler.SetHeader(&reader->Header());
     Progress bar(file, input.Size(), progress);
     for (; !piece.empty(); piece = input.Next()) {
+        CheckInterrupt();
         reader->Feed(piece);
         bar.Show(input.Read());
     }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "apps/gpsbook/book/Interrupt.h"
 #include "apps/gpsbook/commands/CommandError.h"
 
 namespace gpsbook {
@@ -64,7 +65,9 @@ std::string_view LogInput::Next(std::size_t atLeast) {
         const std::size_t n = std::fread(buffer_.data() + length, 1, buffer_.size() - length, file_);
         length += n;
         if (n == 0) {
-            if (std::ferror(file_)) Fail(name_, errno);
+            const int error = errno;
+            CheckInterrupt();  // a wait for more that a signal has ended is no failure to read
+            if (std::ferror(file_)) Fail(name_, error);
             break;
         }
     }

@@ -10,6 +10,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "apps/gpsbook/book/Interrupt.h"
 #include "apps/gpsbook/book/LogImport.h"
 #include "apps/gpsbook/book/LogInput.h"
 #include "apps/gpsbook/commands/CommandError.h"
@@ -145,7 +146,13 @@ CProiezPla ProjectionFrom(const std::string& crs) {
 }
 
 std::string GroupName(const Arguments& a, std::size_t i) {
-    if (a.group.empty()) return GroupNameOf(a.logs[i]);
+    if (a.group.empty()) {
+        // Logs of the same name in several folders: -2, -3, ... from the second on.
+        const std::string name = GroupNameOf(a.logs[i]);
+        const auto before = std::count_if(a.logs.begin(), a.logs.begin() + static_cast<std::ptrdiff_t>(i),
+                                          [&](const std::string& log) { return GroupNameOf(log) == name; });
+        return before == 0 ? name : fmt::format("{}-{}", name, before + 1);
+    }
     return a.logs.size() == 1 ? a.group : fmt::format("{}-{}", a.group, i + 1);
 }
 
@@ -244,8 +251,10 @@ PointRow RowOf(const CGrpGps& group, const CPunGps& p) {
 
 std::int64_t WriteRows(const CLibGps& book, RowWriter& writer) {
     for (int g = 0; g < book.GetGrpArSize(); ++g)
-        for (int p = 0; p < book.GetPunArSize(g); ++p)
+        for (int p = 0; p < book.GetPunArSize(g); ++p) {
+            CheckInterrupt();
             writer.Write(RowOf(*book.GetGrpAt(g), *book.GetPunAt(g, p)));
+        }
     writer.Close();
     return writer.SkippedRows();
 }
@@ -276,7 +285,8 @@ void Run(const Arguments& a) {
     const CProiezPla projection = ProjectionFrom(a.crs);  // kept: the groups share what it costs to make
     CheckInputs(a);
     const auto writer =
-        MakeRowWriter(format, {a.output, a.overwrite, nullptr}, {projection.GetDefinizione()});
+        MakeRowWriter(format, {a.output, a.overwrite, nullptr},
+                      {projection.IsDefinizioneText() ? projection.GetWkt() : projection.GetDefinizione()});
 
     CLibMap map;
     CLibGps book(nullptr, nullptr, nullptr, &map, 0);

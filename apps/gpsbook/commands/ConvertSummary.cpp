@@ -15,6 +15,13 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// A system as a label of one short line; a WKT can have a hundred.
+std::string Label(const std::string& crs) {
+    constexpr std::size_t most = 60;
+    const std::size_t end = std::min(crs.find_first_of("\r\n"), most);
+    return crs.size() <= end ? crs : crs.substr(0, end) + "...";
+}
+
 void Widen(double& low, double& high, double v) {
     low = IsCoordValid(low) ? std::min(low, v) : v;
     high = IsCoordValid(high) ? std::max(high, v) : v;
@@ -102,6 +109,7 @@ Json LogJson(const LogReport& log) {
             {"points", log.points},
             {"by_quality", qualities},
             {"base", base},
+            {"rover_antenna", Number(log.header.roverAntenna)},
             {"rejected", TallyJson(log.rejected)},
             {"filtered", filtered},
             {"ignored", TallyJson(log.ignored)}};
@@ -153,11 +161,11 @@ std::string SummaryText(const ConvertResult& r) {
                    r.fill.heights == HeightsOf::marker ? "marker" : "antenna", r.fill.antenna);
     if (IsCoordValid(r.extent.eastMin))
         fmt::format_to(add, "{}: east {:.4f} to {:.4f}, north {:.4f} to {:.4f}, height {:.4f} to {:.4f}\n",
-                       r.crs, r.extent.eastMin, r.extent.eastMax, r.extent.northMin, r.extent.northMax,
+                       Label(r.crs), r.extent.eastMin, r.extent.eastMax, r.extent.northMin, r.extent.northMax,
                        r.extent.heightMin, r.extent.heightMax);
     if (r.extent.withoutPlane > 0)
-        fmt::format_to(add, "warning: without plane coordinates in {}: {}; is it the right system?\n", r.crs,
-                       Counted(r.extent.withoutPlane, "point"));
+        fmt::format_to(add, "warning: without plane coordinates in {}: {}; is it the right system?\n",
+                       Label(r.crs), Counted(r.extent.withoutPlane, "point"));
     if (r.skippedRows > 0)
         fmt::format_to(add, "warning: not in the file, since {} holds no point without position: {}\n",
                        r.format, Counted(r.skippedRows, "point"));

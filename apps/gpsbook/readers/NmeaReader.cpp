@@ -103,7 +103,8 @@ void AddSatellite(SatelliteSystem system, int number, NmeaSatellites& satellites
     }
     const auto word = static_cast<std::size_t>(number) / 64;
     const std::uint64_t bit = std::uint64_t{1} << (static_cast<unsigned>(number) % 64);
-    if (system == SatelliteSystem::gps) satellites.gps[word] |= bit;
+    const bool augmentation = number >= 33 && number <= 64;  // listed with GPS, but no GPS satellites
+    if (system == SatelliteSystem::gps && !augmentation) satellites.gps[word] |= bit;
     if (system == SatelliteSystem::glonass) satellites.glonass[word] |= bit;
 }
 

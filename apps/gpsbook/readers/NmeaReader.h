@@ -18,7 +18,7 @@ namespace gpsbook {
 /// the time of day drops by more than 12 hours. Positions before the first date are held back and dated
 /// backwards by the same rule. Two-digit years: 80 to 99 are 19xx, the others 20xx.
 ///
-/// Satellites: GSA lists satellite based augmentation with GPS, and it is counted there. Without GSA the only
+/// Satellites: those of augmentation systems, which GSA lists with GPS, are not counted. Without GSA the only
 /// number is the total of GGA; it is stored as that of GPS.
 class NmeaReader final : public LogReader {
 public:

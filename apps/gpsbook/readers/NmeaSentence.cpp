@@ -127,10 +127,36 @@ SentenceKind KindOf(std::string_view text) {
     return SentenceKind::none;
 }
 
+namespace {
+
+std::ptrdiff_t Commas(std::string_view text) { return std::count(text.begin(), text.end(), ','); }
+
+// Fewest commas of a whole sentence, those of the oldest versions included.
+std::ptrdiff_t CommasOf(SentenceKind kind) {
+    switch (kind) {
+        case SentenceKind::gga:
+            return 14;
+        case SentenceKind::rmc:
+            return 9;  // up to the date
+        case SentenceKind::zda:
+            return 6;
+        case SentenceKind::gst:
+            return 8;
+        case SentenceKind::gsa:
+            return 17;
+        case SentenceKind::none:
+            break;
+    }
+    return 0;
+}
+
+}  // namespace
+
 std::optional<Reason> CheckSentence(const NmeaText& sentence, std::string_view& body) {
     const std::size_t star = sentence.text.find('*');
     if (star == std::string_view::npos) {
-        return sentence.interrupted ? Reason::cutLine : Reason::missingChecksum;
+        const bool cut = sentence.interrupted || Commas(sentence.text) < CommasOf(KindOf(sentence.text));
+        return cut ? Reason::cutLine : Reason::missingChecksum;
     }
     const std::string_view rest = sentence.text.substr(star + 1);
     if (rest.size() < 2) return sentence.interrupted ? Reason::cutLine : Reason::badChecksum;

@@ -1,4 +1,5 @@
 #include "apps/gpsbook/simulator/Simulator.h"
+#include "apps/gpsbook/book/Interrupt.h"
 
 #include <string>
 
@@ -42,6 +43,7 @@ SimulationSummary Simulate(const SimulationOptions& options, std::ostream& out) 
     if (options.form != LogForm::nmea) AppendPosHeader(piece, options);
     EpochGenerator generator(options);
     while (summary.epochs < options.epochs && out) {
+        CheckInterrupt();
         const SimulatedEpoch epoch = generator.Next();
         if (options.form == LogForm::nmea)
             AppendNmea(piece, epoch, options);

@@ -134,6 +134,7 @@ void StagedOutput::Commit() {
             const fs::path fresh = folder_.Path() / file.filename();
             if (fs::exists(fresh)) moves.Move(fresh, file);
         }
+        if (fs::exists(target_)) fs::permissions(staged_, fs::status(target_).permissions());
         // Last and in one step: whoever looks for the target finds the old or the new one.
         fs::rename(staged_, target_);
     } catch (const fs::filesystem_error& e) {

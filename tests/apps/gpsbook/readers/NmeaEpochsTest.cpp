@@ -215,7 +215,7 @@ TEST(NmeaSatellites, AreCountedBySystem) {
              Sentence("GNGSA,A,3,11,21,19,06,,,,,,,,,1.42,0.82,1.17,3") +
              Sentence("GNGSA,A,3,25,41,,,,,,,,,,,1.42,0.82,1.17,4"),
          3, 2, 1.42},
-        {"system id goes before numbers", Sentence("GNGSA,A,3,01,02,51,,,,,,,,,,1.4,0.8,1.1,1"), 3, 0, 1.4},
+        {"system id goes before numbers", Sentence("GNGSA,A,3,01,02,51,,,,,,,,,,1.4,0.8,1.1,1"), 2, 0, 1.4},
         {"system id goes before talker", Sentence("GPGSA,A,3,01,02,,,,,,,,,,,1.4,0.8,1.1,2"), 0, 2, 1.4},
         {"talkers",
          Sentence("GPGSA,A,3,01,02,03,,,,,,,,,,2.5,1.0,1.1") +
@@ -226,6 +226,8 @@ TEST(NmeaSatellites, AreCountedBySystem) {
              Sentence("BDGSA,A,3,04,,,,,,,,,,,,2.5,1.0,1.1"),
          0, 0, 2.5},
         {"numbers", Sentence("GNGSA,A,3,01,32,33,64,65,96,97,193,,,,,1.15,0.68,0.93"), 2, 2, 1.15},
+        {"augmentation satellites listed with GPS",
+         Sentence("GPGSA,A,3,01,32,33,51,64,,,,,,,,1.15,0.68,0.93"), 2, 0, 1.15},
         {"a last field that is no system id", Sentence("GPGSA,A,3,25,32,12,14,,,,,,,,,2.1,1.1,1.8,1.2"), 4, 0,
          2.1},
         {"more satellites than a sentence holds",

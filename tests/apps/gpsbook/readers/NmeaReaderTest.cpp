@@ -97,7 +97,9 @@ TEST(NmeaReader, UnusablePositionsAreRejectedOnceWithTheirReason) {
     const auto body = [](const char* text) { return Sentence(text); };
     const Row rows[] = {
         {"no checksum", "$" + good + "\r\n", Reason::missingChecksum},
-        {"address only", "$GPGGA\r\n", Reason::missingChecksum},
+        {"address only", "$GPGGA\r\n", Reason::cutLine},
+        {"cut before the line end", "$GPGGA,120000.00,4503.9,N,007\r\n", Reason::cutLine},
+        {"cut in its last field but one", "$" + good.substr(0, good.rfind(',')) + "\r\n", Reason::cutLine},
         {"wrong checksum", "$" + good + "*00\r\n", Reason::badChecksum},
         {"one digit of checksum", "$" + good + "*5\r\n", Reason::badChecksum},
         {"no digit of checksum", "$" + good + "*\r\n", Reason::badChecksum},

@@ -1,0 +1,14 @@
+// Interrupt: ends long work in good order when the user or the system asks for it.
+#pragma once
+
+namespace gpsbook {
+
+/// From now on SIGINT and SIGTERM are noted; the second one ends the program at once.
+void WatchForInterrupt();
+
+/// To be called again and again during long work.
+/// Errors: CommandError (exitFailure) when the program has been asked to end; what is half done is removed on
+/// the way out.
+void CheckInterrupt();
+
+}  // namespace gpsbook
