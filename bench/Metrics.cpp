@@ -126,6 +126,11 @@ int RunMetrics(int argc, char** argv) {
         fmt::print(stderr, "gps_bench: --count wants a number above 0\n");
         return 2;
     }
+    for (const std::string& name : wanted)
+        if (std::none_of(Cases().begin(), Cases().end(), [&](const auto& c) { return c.first == name; })) {
+            fmt::print(stderr, "gps_bench: --case {}: unknown; --list names them all\n", name);
+            return 2;
+        }
     if (!options.coldHeap) WarmHeap(options.count * 1500);
     for (const auto& [name, run] : Cases())
         if (wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end()) run(options);
