@@ -16,8 +16,12 @@ void WatchForInterrupt() {
     struct sigaction action {};
     action.sa_handler = [](int) { asked = 1; };
     action.sa_flags = SA_RESETHAND;  // the second signal does what it always does
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN)
+            sigaction(signal, &action, nullptr);  // a shell may have asked for that
+    }
 }
 
 void CheckInterrupt() {

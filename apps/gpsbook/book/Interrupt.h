@@ -3,7 +3,8 @@
 
 namespace gpsbook {
 
-/// From now on SIGINT and SIGTERM are noted; the second one ends the program at once.
+/// From now on SIGINT and SIGTERM are noted, unless they are ignored; the second one ends the program at
+/// once.
 void WatchForInterrupt();
 
 /// To be called again and again during long work.
