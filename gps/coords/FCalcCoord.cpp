@@ -1,5 +1,7 @@
 #include "gps/coords/FCalcCoord.h"
 
+#include <algorithm>
+
 #include "gps/model/CLibGps.h"
 
 namespace {
@@ -16,6 +18,8 @@ namespace {
     entity.CalcolaValiditaXYZ();
 }
 
+constexpr std::size_t kAhead = 4;  // points
+
 // Asks for the memory of a point that is needed soon: the conversions in between hide the wait for it, which
 // would be a tenth of the whole in a large book.
 void FetchAhead(const CPunGps* point) {
@@ -31,12 +35,13 @@ void FCalcCoordGrpGps(CLibGps* book, int g) {
     CConvCoord* conv = group->GetConvCoord();
     conv->ShowMessage(false);
     if (group->IsCdElabValid()) {
+        const std::vector<CPunGps*>& points = group->PunList;
+        for (std::size_t i = 0; i < std::min(kAhead, points.size()); ++i) FetchAhead(points[i]);
         const bool wanted = !group->IsCodedNE();
         Recompute(*group, wanted, group->GetBaseLat(), group->GetBaseLong(), group->GetBaseElev(),
                   group->GetBaseAltAnt(), *conv);
-        const std::vector<CPunGps*>& points = group->PunList;
         for (std::size_t i = 0; i < points.size(); ++i) {
-            if (i + 4 < points.size()) FetchAhead(points[i + 4]);
+            if (i + kAhead < points.size()) FetchAhead(points[i + kAhead]);
             CPunGps& point = *points[i];
             Recompute(point, wanted && !point.IsCodedNE(), point.GetLat(), point.GetLong(), point.GetElev(),
                       point.GetAltAnt(), *conv);

@@ -172,6 +172,11 @@ bool CLibGps::GetIndiciDiPun(CPunGps* point, int& g, int& p) const {
         }
     }
 
+    return SearchPun(point, hint, g, p);
+}
+
+// Apart from the common case, which is the shorter for it.
+bool CLibGps::SearchPun(CPunGps* point, int hint, int& g, int& p) const {
     // The owner may be gone when the point is a detached copy: it is compared, never looked into, before it
     // is found in the list.
     if (!GetIndiciDiGrp(point->Group, g)) return false;

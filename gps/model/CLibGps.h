@@ -169,6 +169,7 @@ private:
     CLibMap* ArchLibMap;
     long long TargetDrawing;
 
+    bool SearchPun(CPunGps* point, int hint, int& g, int& p) const;
     void IndexGroup(int g) const;
     void IndexGroups() const;
 
