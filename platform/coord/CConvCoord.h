@@ -29,8 +29,8 @@ class CMotoreConv;
 ///   goes through the chain; then CConvAltez.
 ///
 /// Units: degrees (latitude north, longitude east positive) and metres everywhere.
-/// Accuracy: each link's own; there and back within 0.01 mm. Nothing is allocated per call once a
-/// conversion has been used; what a chain needs is prepared at the first use after a change.
+/// Accuracy: each link's own; there and back within 0.01 mm, or no way back. Nothing is allocated per call
+/// once a conversion has been used; what a chain needs is prepared at the first use after a change.
 ///
 /// Changes of its values and of those of its parts are reported to the cloud item it was made with
 /// (CCloudItem::ConvCoordChanged), on a real difference; never by construction, copy or assignment, and never

@@ -37,5 +37,15 @@ TEST(InterruptDeathTest, SecondSignalEndsTheProgramAtOnce) {
         testing::KilledBySignal(SIGTERM), "");
 }
 
+// A shell starts a job in the background with SIGINT ignored: it goes on when the terminal is interrupted.
+TEST(InterruptDeathTest, IgnoredSignalStaysIgnored) {
+    EXPECT_EXIT(
+        {
+            (void)std::signal(SIGINT, SIG_IGN);
+            std::_Exit(AskToEnd(SIGINT));
+        },
+        testing::ExitedWithCode(3), "");
+}
+
 }  // namespace
 }  // namespace gpsbook
