@@ -85,11 +85,11 @@ TEST(ListMoves, TakingBackAnInsertionLeavesNothing) {
     list.ExpectExact();
 }
 
-TEST(ListMoves, UpToEightPlacesInAnyOrderAreExact) {
-    for (unsigned seed = 0; seed < 500; ++seed) {
+TEST(ListMoves, UpToSixteenPlacesInAnyOrderAreExact) {
+    for (unsigned seed = 0; seed < 2000; ++seed) {
         std::mt19937 random(seed);
         List list(300);
-        for (int edit = 0; edit < 8; ++edit) {
+        for (int edit = 0; edit < static_cast<int>(1 + seed % 16); ++edit) {
             const int count = static_cast<int>(1 + random() % 9);
             const int at = static_cast<int>(random() % 250);
             if (random() % 2)
