@@ -1,4 +1,4 @@
-// The project streams, as far as a declaration needs them: their contract comes with the stored field book.
+// streams.h: the project streams, as far as a declaration needs them (ofpstream.h, ifpstream.h).
 #pragma once
 
 class ofpstream;

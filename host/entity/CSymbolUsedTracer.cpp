@@ -1,0 +1,5 @@
+#include "platform/entity/CSymbolUsedTracer.h"
+
+CSymbolUsedTracer::~CSymbolUsedTracer() = default;
+
+void CSymbolUsedTracer::SymbolUsed(short) {}
