@@ -2,6 +2,9 @@
 
 #include <cmath>
 
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
+
 void CCalcMinQua2::GetCoeff(double& c1, double& c2, double& c3) const {
     c1 = c1_;
     c2 = c2_;
@@ -46,4 +49,13 @@ bool CCalcMinQua2::CalcolaDaPunti(const std::vector<PuntoQuota>& punti, std::vec
         for (const PuntoQuota& p : punti) residui->push_back(p.dh - GetDifferenza(p.x, p.y));
     }
     return true;
+}
+
+void CCalcMinQua2::SalvaInFile(ofpstream& out) const {
+    for (const double c : {c1_, c2_, c3_}) out.WriteDouble(c);
+}
+
+void CCalcMinQua2::LeggeDaFile(ifpstream& in) {
+    for (double* c : {&c1_, &c2_, &c3_}) *c = in.ReadDouble();
+    Assigned();
 }

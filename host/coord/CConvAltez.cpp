@@ -1,5 +1,8 @@
 #include "platform/coord/CConvAltez.h"
 
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
+
 void CConvAltez::SetTpCalcPt(int type) {
     if (Store(tpCalc_, type)) Changed();
 }
@@ -38,4 +41,17 @@ bool CConvAltez::GetDifferenzaAt(double lat, double lon, double x, double y, dou
     }
     dh = GetDifferenza(x, y);
     return true;
+}
+
+void CConvAltez::SalvaInFile(ofpstream& out) const {
+    out.WriteInt(tpCalc_);
+    CCalcMinQua2::SalvaInFile(out);
+    proiez_.SalvaInFile(out);
+}
+
+void CConvAltez::LeggeDaFile(ifpstream& in) {
+    tpCalc_ = in.ReadInt();
+    CCalcMinQua2::LeggeDaFile(in);
+    proiez_.LeggeDaFile(in);
+    Assigned();
 }

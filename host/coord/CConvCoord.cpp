@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/base/RecordEnvelope.h"
 #include "host/coord/MotoreProj.h"
 #include "platform/base/GpsValues.h"
 #include "platform/coord/CLibMap.h"
@@ -28,6 +29,8 @@ constexpr NamedEllipsoid kEllipsoids[] = {
     {CConvCoord::ellAustraliano, 6378160.0, 298.25},
     {CConvCoord::ellGrs67, 6378160.0, 298.247167427},
 };
+
+constexpr std::int32_t kForm = 1;  // of the record
 
 bool Failed(double& a, double& b, double& c) {
     a = b = c = GPS_VAL_UNSET;
@@ -63,6 +66,7 @@ CConvCoord::CConvCoord(const CConvCoord& other)
       altez_(other.altez_),
       map_(other.map_),
       item_(nullptr),
+      datLetto_(other.datLetto_),
       showMessage_(other.showMessage_) {
     Bind();
 }
@@ -77,6 +81,7 @@ CConvCoord& CConvCoord::operator=(const CConvCoord& other) {
     local_ = other.local_;
     ApplyEllissoide();
     altez_ = other.altez_;
+    datLetto_ = other.datLetto_;
     showMessage_ = other.showMessage_;
     catena_.valid = false;
     via_ = Via::unknown;
@@ -133,8 +138,7 @@ const CConvCoord::Catena& CConvCoord::GetCatena() const {
         else
             catena_.usable = false;
         if (flag_) {
-            catena_.project =
-                map_ ? map_->GetDatAt(GetImp(impDatSel1), GetImp(impDatSel2), GetImp(impDatIndice)) : nullptr;
+            catena_.project = GetDatSelezionato();
             if (!catena_.project) catena_.usable = false;
             // An identity datum changes neither angles nor heights, whatever the ellipsoid.
             if (catena_.project && catena_.project->IsIdentity()) catena_.project = nullptr;
@@ -280,6 +284,7 @@ int CConvCoord::GetImp(int k) const {
 void CConvCoord::SetImp(int k, int value) {
     if (k < 1 || k > IMP_MAX || imp_[static_cast<std::size_t>(k - 1)] == value) return;
     imp_[static_cast<std::size_t>(k - 1)] = value;
+    if (k >= impDatSel1 && k <= impDatIndice) datLetto_.reset();
     ApplyEllissoide();
     PartChanged();
 }
@@ -287,6 +292,7 @@ void CConvCoord::SetImp(int k, int value) {
 void CConvCoord::SetImpFlag(bool flag) {
     if (flag_ == flag) return;
     flag_ = flag;
+    datLetto_.reset();
     PartChanged();
 }
 
@@ -326,4 +332,54 @@ bool CConvCoord::GetEllissoide(double& a, double& invFlattening) const {
 void CConvCoord::ApplyEllissoide() {
     double a = 0, rf = 0;
     if (GetEllissoide(a, rf)) local_.SetEllissoide(a, rf);
+}
+
+// --- project stream --------------------------------------------------------------------------------------
+
+const CDatumConv* CConvCoord::GetDatSelezionato() const {
+    if (!flag_ || !map_) return nullptr;
+    return map_->GetDatAt(GetImp(impDatSel1), GetImp(impDatSel2), GetImp(impDatIndice));
+}
+
+void CConvCoord::SalvaInFile(ofpstream& out, short) {
+    WriteEnvelope(out, kForm, [this](ofpstream& payload) {
+        for (const int imp : imp_) payload.WriteInt(imp);
+        payload.WriteUChar(flag_ ? 1 : 0);
+        for (const double real : real_) payload.WriteDouble(real);
+        payload.WriteInt(tpDtBase_);
+        dtBase_.SalvaInFile(payload);
+        local_.SalvaInFile(payload);
+        altez_.SalvaInFile(payload);
+        // Without the datum here, what was read of it is all that is known.
+        const CDatumConv* datum = GetDatSelezionato();
+        if (!datum) datum = datLetto_.get();
+        payload.WriteUChar(datum ? 1 : 0);
+        if (datum) datum->SalvaInFile(payload);
+    });
+}
+
+void CConvCoord::LeggeDaFile(ifpstream& in, short) {
+    ReadEnvelope(in, [this](ifpstream& payload, std::int32_t) {
+        for (int& imp : imp_) imp = payload.ReadInt();
+        flag_ = payload.ReadUChar() != 0;
+        for (double& real : real_) real = payload.ReadDouble();
+        tpDtBase_ = payload.ReadInt();
+        dtBase_.LeggeDaFile(payload);
+        local_.LeggeDaFile(payload);
+        altez_.LeggeDaFile(payload);
+        datLetto_.reset();
+        if (payload.ReadUChar() != 0) {
+            const auto datum = std::make_shared<CDatumConv>();
+            datum->LeggeDaFile(payload);
+            datLetto_ = datum;
+        }
+    });
+    ApplyEllissoide();
+    PartAssigned();
+}
+
+bool CConvCoord::IsDatumDiverso() const {
+    if (!datLetto_ || !flag_) return false;
+    const CDatumConv* datum = GetDatSelezionato();
+    return !datum || !(*datum == *datLetto_);
 }

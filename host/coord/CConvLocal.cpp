@@ -1,5 +1,8 @@
 #include "platform/coord/CConvLocal.h"
 
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
+
 CConvLocal& CConvLocal::operator=(const CConvLocal& other) {
     if (this == &other) return *this;
     CConvRotoTras::operator=(other);
@@ -50,4 +53,14 @@ void CConvLocal::SetCoeffLatLon(double g1, double g2, double o3, double o4, doub
     double o1 = 0, o2 = 0, h = 0;
     proiez_.GrafToPlan(g1, g2, 0, o1, o2, h);
     SetRotoTras(o1, o2, o3, o4, scala, angRot);
+}
+
+void CConvLocal::SalvaInFile(ofpstream& out) const {
+    proiez_.SalvaInFile(out);
+    CConvRotoTras::SalvaInFile(out);
+}
+
+void CConvLocal::LeggeDaFile(ifpstream& in) {
+    proiez_.LeggeDaFile(in);
+    CConvRotoTras::LeggeDaFile(in);
 }

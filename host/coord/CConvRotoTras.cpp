@@ -2,6 +2,9 @@
 
 #include <cmath>
 
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
+
 namespace {
 
 constexpr double kRad = 3.14159265358979323846 / 180.0;
@@ -86,4 +89,14 @@ bool CConvRotoTras::CalcolaDaPunti(const std::vector<PuntoDoppio>& punti, bool f
         residui->rms = std::sqrt(square / n);
     }
     return true;
+}
+
+void CConvRotoTras::SalvaInFile(ofpstream& out) const {
+    for (const double value : {o1_, o2_, o3_, o4_, scala_, angRot_}) out.WriteDouble(value);
+}
+
+void CConvRotoTras::LeggeDaFile(ifpstream& in) {
+    for (double* value : {&o1_, &o2_, &o3_, &o4_, &scala_, &angRot_}) *value = in.ReadDouble();
+    Prepare();
+    Assigned();
 }

@@ -4,6 +4,8 @@
 #include <limits>
 
 #include "platform/base/GpsValues.h"
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
 
 namespace {
 
@@ -114,4 +116,20 @@ bool CDatumConv::FromStd(double x, double y, double z, double& xd, double& yd, d
 
 GPS_PLATFORM_API bool operator==(const CDatumConv& a, const CDatumConv& b) {
     return a.nome_ == b.nome_ && a.fromStd_ == b.fromStd_ && a.c_ == b.c_ && a.origine_ == b.origine_;
+}
+
+void CDatumConv::SalvaInFile(ofpstream& out) const {
+    out.WriteString(nome_);
+    out.WriteUChar(fromStd_ ? 1 : 0);
+    for (const double c : c_) out.WriteDouble(c);
+    for (const double o : origine_) out.WriteDouble(o);
+}
+
+void CDatumConv::LeggeDaFile(ifpstream& in) {
+    in.ReadString(nome_);
+    fromStd_ = in.ReadUChar() != 0;
+    for (double& c : c_) c = in.ReadDouble();
+    for (double& o : origine_) o = in.ReadDouble();
+    Prepare();
+    Assigned();
 }

@@ -5,6 +5,8 @@
 
 #include "host/coord/MotoreProj.h"
 #include "platform/base/GpsValues.h"
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
 
 namespace {
 
@@ -162,4 +164,18 @@ bool CProiezPla::PlanToGraf(double x, double y, double z, double& lat, double& l
     if (!motore || !Usable(x, y, z)) return Failed(lat, lon, h);
     motore->Inverse(x, y, z, lat, lon, h);
     return Usable(lat, lon, h) ? true : Failed(lat, lon, h);
+}
+
+void CProiezPla::SalvaInFile(ofpstream& out) const {
+    out.WriteInt(type_);
+    for (const double p : p_) out.WriteDouble(p);
+    out.WriteString(text_);
+}
+
+void CProiezPla::LeggeDaFile(ifpstream& in) {
+    type_ = in.ReadInt();
+    for (double& p : p_) p = in.ReadDouble();
+    // Taken as it is: a definition that this installation does not know must survive a load and a save.
+    in.ReadString(text_);
+    made_ = false;
 }

@@ -4,7 +4,18 @@
 #include <utility>
 
 #include "host/entity/CloudLink.h"
+#include "platform/base/BlockWriter.h"
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
 #include "platform/entity/CCloudTable.h"
+
+namespace {
+
+// Tables count tickets from 1: a higher one comes from a damaged file, and counting on from it would
+// overflow.
+constexpr long long kTicketMax = 1LL << 62;
+
+}  // namespace
 
 const CCloudItem::Observer* CCloudItem::observer_ = nullptr;
 
@@ -69,6 +80,48 @@ void CCloudItem::SetCloudId(long long n) {
     mask_ = 0;
     since_ = 0;
     if (table) table->EnterAdded(*this);
+}
+
+void CCloudItem::SalvaInFile(ofpstream& out, short, bool asCopy) const {
+    BlockWriter fields(out, 24);
+    fields.WriteInt64(asCopy ? 0 : id_);
+    fields.WriteUInt(asCopy ? 0 : mask_);
+    fields.WriteUInt(asCopy ? 0 : since_);
+    fields.WriteInt64(asCopy ? 0 : ticket_);
+}
+
+void CCloudItem::LeggeDaFile(ifpstream& in, short) {
+    const long long id = in.ReadInt64();
+    const std::uint32_t mask = in.ReadUInt();
+    const std::uint32_t since = in.ReadUInt();
+    const long long ticket = in.ReadInt64();
+
+    CCloudTable* table = GetTable();
+    if (table) {
+        table->LeaveById(*this);
+        // Added items stand in order of their tickets: the item leaves with the old one.
+        table->LeaveAdded(*this);
+    }
+    id_ = id < 1 ? 0 : id;
+    mask_ = mask;
+    since_ = since;
+    // The ticket belongs to the item with the id: who does not get the one keeps its own of the other, too.
+    const bool dropped = table && id_ > 0 && table->HoldsOther(*this);
+    if (dropped) {
+        id_ = 0;
+        mask_ = 0;
+        since_ = 0;
+    } else if (ticket > 0 && ticket <= kTicketMax) {
+        ticket_ = ticket;
+    }
+    if (!table) return;
+    table->TicketUsed(ticket_);
+    if (id_ == 0) {
+        table->EnterAdded(*this);
+        return;
+    }
+    table->EnterById(*this);
+    if (mask_ != 0) table->EnterChanged(*this);
 }
 
 void CCloudItem::EnterChanged() noexcept {

@@ -219,8 +219,10 @@ void CCloudTable::EnterAdded(CCloudItem& item) {
     addedSorted_ = addedSorted_ && inOrder;
     item.addedSlot_ = static_cast<std::int32_t>(added_.size() - 1);
     item.ticket_ = ticket;
-    lastTicket_ = std::max(lastTicket_, ticket);
+    TicketUsed(ticket);
 }
+
+void CCloudTable::TicketUsed(long long ticket) { lastTicket_ = std::max(lastTicket_, ticket); }
 
 void CCloudTable::LeaveAdded(CCloudItem& item) {
     if (item.addedSlot_ < 0) return;
@@ -237,9 +239,24 @@ void CCloudTable::LeaveAdded(CCloudItem& item) {
 void CCloudTable::TidyAdded() const {
     if (addedGaps_ == 0 && addedSorted_) return;
     std::erase(added_, nullptr);
-    if (!addedSorted_)
-        std::sort(added_.begin(), added_.end(),
-                  [](const CCloudItem* a, const CCloudItem* b) { return a->ticket_ < b->ticket_; });
+    if (!addedSorted_) {
+        const auto sort = [this] {
+            std::stable_sort(added_.begin(), added_.end(), [](const CCloudItem* a, const CCloudItem* b) {
+                return a->ticket_ < b->ticket_;
+            });
+        };
+        sort();
+        // Two files can bring the same ticket. The item that came first keeps it.
+        const long long drawn = lastTicket_;
+        long long before = 0;
+        for (CCloudItem* item : added_) {
+            if (item->ticket_ == before)
+                item->ticket_ = ++lastTicket_;
+            else
+                before = item->ticket_;
+        }
+        if (lastTicket_ != drawn) sort();
+    }
     for (std::size_t i = 0; i < added_.size(); ++i) added_[i]->addedSlot_ = static_cast<std::int32_t>(i);
     addedGaps_ = 0;
     addedSorted_ = true;

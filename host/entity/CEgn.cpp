@@ -1,5 +1,9 @@
 #include "platform/entity/CEgn.h"
 
+#include "platform/base/BlockWriter.h"
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
+
 struct CEgn::Altri {
     std::string terScri;
     std::string note;
@@ -80,4 +84,46 @@ void CEgn::AnnullaTutteLeVar() {
     secScri_.clear();
     x_ = y_ = z_ = GPS_VAL_UNSET;
     altri_.reset();
+}
+
+void CEgn::SalvaInFile(ofpstream& out) const {
+    out.WriteString(nome_);
+    out.WriteString(secScri_);
+    {
+        BlockWriter fields(out, 33);
+        fields.WriteUInt(code_);
+        fields.WriteUInt(validita_);
+        fields.WriteDouble(x_);
+        fields.WriteDouble(y_);
+        fields.WriteDouble(z_);
+        fields.WriteUChar(altri_ ? 1 : 0);
+    }
+    if (!altri_) return;
+    out.WriteString(altri_->terScri);
+    out.WriteString(altri_->note);
+    out.WriteString(altri_->nomiFoto);
+    out.WriteString(altri_->attribDis);
+    out.WriteInt(altri_->identDescr);
+    out.WriteInt(altri_->gisHandle);
+}
+
+void CEgn::LeggeDaFile(ifpstream& in) {
+    in.ReadString(nome_);
+    in.ReadString(secScri_);
+    code_ = in.ReadUInt();
+    validita_ = in.ReadUInt();
+    x_ = in.ReadDouble();
+    y_ = in.ReadDouble();
+    z_ = in.ReadDouble();
+    if (in.ReadUChar() == 0) {
+        altri_.reset();
+        return;
+    }
+    Altri& altri = AltroDaScrivere();
+    in.ReadString(altri.terScri);
+    in.ReadString(altri.note);
+    in.ReadString(altri.nomiFoto);
+    in.ReadString(altri.attribDis);
+    altri.identDescr = in.ReadInt();
+    altri.gisHandle = in.ReadInt();
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/base/GpsValues.h"
+#include "platform/base/streams.h"
 #include "platform/coord/CConvPart.h"
 
 /// A surface of height differences over the plane, c1 + c2 x + c3 y: c1 in metres, c2 and c3 in metres per
@@ -25,6 +26,10 @@ public:
     /// point, metres. Returns false, changing nothing, with fewer than three points, points on one line, or a
     /// value that is not set.
     bool CalcolaDaPunti(const std::vector<PuntoQuota>& punti, std::vector<double>* residui);
+
+    /// Its part of a record in a project stream; see docs/formats/records.md. Reading reports nothing.
+    void SalvaInFile(ofpstream& out) const;
+    void LeggeDaFile(ifpstream& in);
 
 protected:
     ~CCalcMinQua2() = default;  // lives as a part of CConvAltez

@@ -32,6 +32,10 @@ public:
     /// coordinates x, y (metres). False for an unknown type or a position that has none.
     bool GetDifferenzaAt(double lat, double lon, double x, double y, double& dh) const;
 
+    /// Its part of a record in a project stream; see docs/formats/records.md. Reading reports nothing.
+    void SalvaInFile(ofpstream& out) const;
+    void LeggeDaFile(ifpstream& in);
+
 private:
     int tpCalc_ = tpNessuno;
     CProiezPla proiez_;

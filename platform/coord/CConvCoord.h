@@ -3,7 +3,9 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 
+#include "platform/base/streams.h"
 #include "platform/coord/CConvAltez.h"
 #include "platform/coord/CConvLocal.h"
 #include "platform/coord/CConvPart.h"
@@ -105,6 +107,18 @@ public:
     void ShowMessage(bool show);
     bool IsShowMessage() const { return showMessage_; }
 
+    // --- project stream ------------------------------------------------------------------------------------
+
+    /// The conversion's record, the same in every version; see docs/formats/records.md. It also holds the
+    /// values of the datum that is selected in the map library. Reading reports nothing.
+    virtual void SalvaInFile(ofpstream& out, short version);
+    virtual void LeggeDaFile(ifpstream& in, short version);
+
+    /// True when the record that was read selected a datum that the map library does not have now, or has
+    /// with other values: the conversion gives other coordinates than where it was saved. False again once
+    /// another datum is selected.
+    bool IsDatumDiverso() const;
+
     // --- settings ------------------------------------------------------------------------------------------
 
     /// S1 to S10 by number; 0 for any other number, and setting one has no effect.
@@ -174,6 +188,8 @@ private:
     bool GrafGpsToPlanAttVia(double lat, double lon, double h, double altAnt, double& east, double& north,
                              double& height) const;
 
+    const CDatumConv* GetDatSelezionato() const;
+
     std::array<int, IMP_MAX> imp_{};
     bool flag_ = false;
     std::array<double, 2> real_{};  // metres; inverse flattening
@@ -184,6 +200,7 @@ private:
     CLibMap* map_;
     CCloudItem* item_;
     CMotoreConv* motore_ = nullptr;
+    std::shared_ptr<const CDatumConv> datLetto_;  // the selected datum as it was read; null: none was
     bool showMessage_ = true;
     mutable Via via_ = Via::unknown;
     mutable Catena catena_;

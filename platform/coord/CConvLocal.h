@@ -35,6 +35,10 @@ public:
     /// projection must be set before. Unset or inconvertible g1, g2 make o1, o2 unset.
     void SetCoeffLatLon(double g1, double g2, double o3, double o4, double scala, double angRot);
 
+    /// Its part of a record in a project stream; see docs/formats/records.md. Reading reports nothing.
+    void SalvaInFile(ofpstream& out) const;
+    void LeggeDaFile(ifpstream& in);
+
 private:
     friend class CConvCoord;  // whose settings name the ellipsoid, and which reports their changes
 

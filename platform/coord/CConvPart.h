@@ -45,6 +45,11 @@ protected:
         if (whole_) whole_->PartChanged();
     }
 
+    /// As after an assignment: for values that were read from a file.
+    void Assigned() {
+        if (whole_) whole_->PartAssigned();
+    }
+
 private:
     Whole* whole_ = nullptr;
 };

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/base/GpsValues.h"
+#include "platform/base/streams.h"
 #include "platform/coord/CConvPart.h"
 
 /// Brings coordinates (x, y) of the projection to local ones (X, Y):
@@ -50,6 +51,10 @@ public:
     /// the scale is 1). The origin is the centre of gravity. Returns false, changing nothing, with fewer than
     /// two different points or a value that is not set. `residui` may be null.
     bool CalcolaDaPunti(const std::vector<PuntoDoppio>& punti, bool fixedScale, Residui* residui);
+
+    /// Its part of a record in a project stream; see docs/formats/records.md. Reading reports nothing.
+    void SalvaInFile(ofpstream& out) const;
+    void LeggeDaFile(ifpstream& in);
 
 protected:
     ~CConvRotoTras() = default;  // lives as a part of CConvLocal

@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 
+#include "platform/base/streams.h"
 #include "platform/coord/CConvPart.h"
 
 /// A similarity in space with seven parameters c1 to c7: translation tx, ty, tz in metres, rotations
@@ -53,6 +54,10 @@ public:
 
     /// Geocentric, metres: WGS 84 to this datum. On error: as ToStd.
     bool FromStd(double x, double y, double z, double& xd, double& yd, double& zd) const;
+
+    /// Its part of a record in a project stream; see docs/formats/records.md. Reading reports nothing.
+    void SalvaInFile(ofpstream& out) const;
+    void LeggeDaFile(ifpstream& in);
 
     /// Same name, direction, coefficients and origin.
     friend bool operator==(const CDatumConv& a, const CDatumConv& b);

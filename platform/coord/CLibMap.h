@@ -28,7 +28,8 @@ public:
     /// Number of datums under two selectors; 0 for an unknown pair.
     int GetDatArSize(int sel1, int sel2) const;
 
-    /// The datum at an index; null when there is none. It stays at its address while the library lives.
+    /// The datum at an index; null when there is none. It stays at its address until the library is read anew
+    /// or destroyed.
     CDatumConv* GetDatAt(int sel1, int sel2, int index) const;
 
     /// Appends an identity datum; null when a selector is negative or the list is full.
@@ -42,6 +43,10 @@ public:
 
     /// Counts up with every change of a datum: conversions tell by it that what they prepared is out of date.
     std::uint64_t GetRevision() const { return revision_; }
+
+    /// The library's record in a project stream; see docs/formats/records.md. Reading replaces all datums.
+    void SalvaInFile(ofpstream& out, short version) override;
+    void LeggeDaFile(ifpstream& in, short version) override;
 
 private:
     void PartChanged() override { ++revision_; }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/base/PlatformExport.h"
+#include "platform/base/streams.h"
 
 /// Types of plane projections; the numbers are stored and sent.
 struct TpProiezPla {
@@ -88,6 +89,10 @@ public:
 
     /// The inverse. On error: false, all three outputs unset.
     bool PlanToGraf(double x, double y, double z, double& lat, double& lon, double& h) const;
+
+    /// Its part of a record in a project stream; see docs/formats/records.md. Reading reports nothing.
+    void SalvaInFile(ofpstream& out) const;
+    void LeggeDaFile(ifpstream& in);
 
     /// What projections of one definition share; null when the values define none. Valid until this object
     /// changes. For the host's own conversions.

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "platform/base/PlatformExport.h"
+#include "platform/base/streams.h"
 
 class CCloudTable;
 
@@ -70,6 +71,16 @@ public:
     /// AddItemToTable, so that a server's values stored in between are not taken for local changes.
     /// n < 1: id and mask become 0 and the item enters the added items, if it has a table.
     void SetCloudId(long long n);
+
+    /// The item's record in a project stream: id, mask, bits since the last commit, ticket; 24 bytes in every
+    /// version. With `asCopy` all of them are 0: what goes into an exchange file is not the same cloud item.
+    void SalvaInFile(ofpstream& out, short version, bool asCopy) const;
+
+    /// Reads such a record, as an assignment does: an item with an id leaves the added items and is known by
+    /// it, and changed as its mask says; without an id it is an added one. A ticket above 0 is restored, and
+    /// the table draws none up to it any more. An id that another item of the table holds is dropped, with
+    /// mask and ticket: the item is then an added one.
+    void LeggeDaFile(ifpstream& in, short version);
 
     /// For tests and tools of the open host: told of every CloudItemChanged at entry, before the switch is
     /// looked at. An empty function ends it.

@@ -126,6 +126,7 @@ private:
     void LeaveById(CCloudItem& item);
     void EnterChanged(CCloudItem& item) noexcept;
     void LeaveChanged(CCloudItem& item);
+    void TicketUsed(long long ticket);
     bool Owns(const CCloudItem* item) const;
     bool HoldsOther(const CCloudItem& item) const;
     void TidyAdded() const;
@@ -135,7 +136,7 @@ private:
     enumTable kind_;
     CLibGen* owner_ = nullptr;
     CCloudItem::TableLink* link_;
-    long long lastTicket_ = 0;
+    mutable long long lastTicket_ = 0;
 
     // Slots of items that left in the middle are null and counted until someone looks at the list: leaving
     // costs the same wherever the item stands.

@@ -8,6 +8,7 @@
 #include "platform/base/CPointerRef.h"
 #include "platform/base/GpsValues.h"
 #include "platform/base/VEXNotifySource.h"
+#include "platform/base/streams.h"
 
 class CCloudItem;
 
@@ -93,6 +94,12 @@ public:
 
     /// Back to the values of a new entity, stored directly: nothing is reported.
     void AnnullaTutteLeVar();
+
+    /// The entity's record in a project stream, the same in every version; see docs/formats/records.md.
+    void SalvaInFile(ofpstream& out) const;
+
+    /// Reads such a record straight into the fields: no virtual setter is called, nothing is reported.
+    void LeggeDaFile(ifpstream& in);
 
 private:
     struct Altri;
