@@ -16,8 +16,13 @@
 #include "platform/entity/CEgn.h"
 
 class CCloudTable;
+class CDrawingsMapper;
 class CLibGps;
 class CLibMap;
+
+namespace vex {
+class CPtr64Mapper;
+}
 
 /// One survey from one base: the base's position, survey and receiver type, the conversion of the survey's
 /// fixes to the project's plane system, and the points measured. A drawing entity and an item of the cloud's
@@ -137,6 +142,17 @@ public:
     /// Moves the counted reference; id 0 is neither taken nor given back here. The same id is given back and
     /// taken again. Reports nothing.
     void SetTargetDrawing(long long id);
+
+    // --- project stream (gps/persist) ----------------------------------------------------------------------
+
+    /// The group record, without the points, by the stream's version. `cloudFlag` goes to the cloud item's
+    /// record; `mapper`, which may be null, learns of the drawing reference.
+    void SalvaInFile(ofpstream& out, bool cloudFlag, vex::CPtr64Mapper* mapper);
+
+    /// Reads a group record. Nothing is reported; fields that the stream's version does not have stay. With
+    /// `remapDrawing` false the group keeps its drawing, though a stream before version 1004 always gives the
+    /// default drawing.
+    void LeggeDaFile(ifpstream& in, CDrawingsMapper& drawings, bool remapDrawing);
 
     // --- values kept and stored, which nothing here interprets
     // -----------------------------------------------

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "gps/model/FindFromHint.h"
+#include "gps/options/COpzPostProc.h"
 #include "platform/cad/COrkaEng.h"
 #include "platform/entity/CCloudManager.h"
 #include "platform/entity/CCloudProject.h"
@@ -35,9 +36,12 @@ void ReserveAtLeast(std::vector<T*>& list, std::size_t n) {
 
 }  // namespace
 
-CLibGps::CLibGps(CCloudProject* cloud, COpzListDisEgn*, COriData* orientation, CLibMap* map,
+CLibGps::CLibGps(CCloudProject* cloud, COpzListDisEgn* displayOptions, COriData* orientation, CLibMap* map,
                  long long targetDrawing)
-    : CLibConOri(cloud, orientation), ArchLibMap(map), TargetDrawing(targetDrawing) {
+    : CLibConOri(cloud, orientation),
+      OpzListDis(displayOptions),
+      ArchLibMap(map),
+      TargetDrawing(targetDrawing) {
     COrkaEng::AddDrawingRefUsage(TargetDrawing);  // with 0 too
 }
 
@@ -45,6 +49,12 @@ CLibGps::~CLibGps() {
     COrkaEng::SubDrawingRefUsage(TargetDrawing);  // with 0 too
     index_.Clear();
     for (int i = GetGrpArSize() - 1; i >= 0; --i) DelGrpAt(i);
+    delete OpzPostProc;
+}
+
+COpzPostProc* CLibGps::GetOpzPostProc() {
+    if (!OpzPostProc) OpzPostProc = new COpzPostProc;
+    return OpzPostProc;
 }
 
 // --- groups ------------------------------------------------------------------------------------------------

@@ -7,13 +7,22 @@
 #include "gps/model/CGrpGps.h"
 #include "gps/model/CPunGps.h"
 #include "gps/model/PositionIndex.h"
+#include "gps/options/COpzLibGps.h"
+#include "gps/options/COpzListDisGps.h"
 #include "platform/entity/CLibConOri.h"
 
 class CCloudProject;
 class CConvCoord;
+class CDrawingsMapper;
 class CLibMap;
 class COpzListDisEgn;
+class COpzPostProc;
 class COriData;
+class CSymbolUsedTracer;
+
+namespace vex {
+class CPtr64Mapper;
+}
 
 /// The one object through which groups and points are made, found, ordered and deleted. Positions are 0-based
 /// places in the list of groups and in a group's list of points.
@@ -38,7 +47,8 @@ public:
     CLibGps(const CLibGps&) = default;
     CLibGps& operator=(const CLibGps&) = default;
 
-    /// Gives the drawing reference back, then deletes the groups from the last to the first.
+    /// Gives the drawing reference back, then deletes the groups from the last to the first and the
+    /// post-processing options.
     ~CLibGps() override;
 
     // --- groups --------------------------------------------------------------------------------------------
@@ -134,6 +144,37 @@ public:
     /// the conversion fails, latitude, longitude and height become unset.
     void CalcolaCoordGeog(CPunGps* point, int g);
 
+    // --- project stream (gps/persist) ----------------------------------------------------------------------
+
+    using CLibConOri::LeggeDaFile;  // the library base's own records, which are empty, stay callable
+    using CLibConOri::SalvaInFile;
+
+    /// Writes the field-book record: options, groups, points. `version` is that of the stream. `file`, the
+    /// project's file, is remembered (GetNomeFile); null counts as empty. `tracer` learns of the symbols that
+    /// are used, `mapper` of the drawing references; both may be null. The modified flag stays as it is.
+    /// Ask the stream afterwards whether everything was written.
+    void SalvaInFile(ofpstream& out, short version, const char* file, CSymbolUsedTracer* tracer,
+                     vex::CPtr64Mapper* mapper);
+
+    /// Reads a field-book record. With `loadOptions` false the option records are passed over, with
+    /// `addEntities` false the groups and points; the whole record is consumed all the same. Groups are
+    /// appended to those that are there. A group that cannot be made (no memory) ends the adding of groups
+    /// and points, a point the adding of points; reading goes on.
+    /// Ask the stream afterwards whether everything was there.
+    void LeggeDaFile(ifpstream& in, bool loadOptions, bool addEntities, short version, const char* file,
+                     CDrawingsMapper& drawings);
+
+    // --- options -------------------------------------------------------------------------------------------
+
+    COpzLibGps& GetOpzLibGps() { return OpzLib; }
+    COpzListDisGps& GetOpzListDisGps() { return OpzListDis; }
+
+    /// Post-processing options, made on the first call.
+    COpzPostProc* GetOpzPostProc();
+
+    /// Whether they have been made.
+    bool HasOpzPostProc() const { return OpzPostProc != nullptr; }
+
     // --- what the host hands in ----------------------------------------------------------------------------
 
     CLibMap* GetArchLibMap() const { return ArchLibMap; }
@@ -162,11 +203,19 @@ private:
     bool HasPun(int g, int p) const { return HasGrp(g) && p >= 0 && p < GetPunArSize(g); }
     std::vector<CPunGps*>& PunList(int g) const { return GrpList[static_cast<std::size_t>(g)]->PunList; }
 
+    void SalvaTutteLeEnt(ofpstream& out, short version, bool cloudFlag, vex::CPtr64Mapper* mapper);
+    void LeggeTutteLeEnt(ifpstream& in, bool addEntities, short version, CDrawingsMapper& drawings);
+    void SalvaOpzPostProc(ofpstream& out);
+    void LeggeOpzPostProc(ifpstream& in, bool loadOptions);
+
+    COpzLibGps OpzLib;
+    COpzListDisGps OpzListDis;
     std::vector<CGrpGps*> GrpList;
     unsigned short StreamVersion = 0;
     bool StreamFlag = false;
     bool OpzWarning = false;
     CLibMap* ArchLibMap;
+    COpzPostProc* OpzPostProc = nullptr;
     long long TargetDrawing;
 
     bool SearchPun(CPunGps* point, int hint, int& g, int& p) const;

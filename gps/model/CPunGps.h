@@ -168,6 +168,14 @@ public:
     void SetGeocBase(double x, double y, double z);
     void GetGeocBase(double& x, double& y, double& z);
 
+    // --- project stream (gps/persist) ----------------------------------------------------------------------
+
+    /// The point record, by the stream's version. `cloudFlag` goes to the cloud item's record.
+    void SalvaInFile(ofpstream& out, bool cloudFlag);
+
+    /// Reads a point record. Nothing is reported; fields that the stream's version does not have stay.
+    void LeggeDaFile(ifpstream& in);
+
     // --- order by name -----------------------------------------------------------------------------------
 
     bool operator==(const CPunGps& other) const { return GetNome() == other.GetNome(); }

@@ -79,9 +79,15 @@ std::vector<NamedOffset> CGrpGpsLayout::Fields() {
 
 std::vector<NamedOffset> CLibGpsLayout::Fields() {
     return {
-        {"GrpList", offsetof(CLibGps, GrpList)},       {"StreamVersion", offsetof(CLibGps, StreamVersion)},
-        {"StreamFlag", offsetof(CLibGps, StreamFlag)}, {"OpzWarning", offsetof(CLibGps, OpzWarning)},
-        {"ArchLibMap", offsetof(CLibGps, ArchLibMap)}, {"TargetDrawing", offsetof(CLibGps, TargetDrawing)},
+        {"OpzLib", offsetof(CLibGps, OpzLib)},
+        {"OpzListDis", offsetof(CLibGps, OpzListDis)},
+        {"GrpList", offsetof(CLibGps, GrpList)},
+        {"StreamVersion", offsetof(CLibGps, StreamVersion)},
+        {"StreamFlag", offsetof(CLibGps, StreamFlag)},
+        {"OpzWarning", offsetof(CLibGps, OpzWarning)},
+        {"ArchLibMap", offsetof(CLibGps, ArchLibMap)},
+        {"OpzPostProc", offsetof(CLibGps, OpzPostProc)},
+        {"TargetDrawing", offsetof(CLibGps, TargetDrawing)},
     };
 }
 
