@@ -33,6 +33,11 @@ endif()
 include(CheckIPOSupported)
 check_ipo_supported(RESULT gps_ipo OUTPUT gps_ipo_why LANGUAGES CXX)
 
+# For tests and the program: compiled quickly in development builds, where the libraries alone are optimised.
+function(gps_compile_quickly target)
+  target_compile_options(${target} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O1> $<$<CONFIG:Debug>:-O0>)
+endfunction()
+
 function(gps_compile target)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:gps_flags>)
   get_target_property(type ${target} TYPE)
