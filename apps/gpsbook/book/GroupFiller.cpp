@@ -88,7 +88,8 @@ void GroupFiller::FillGroup(const LogHeader& header) {
     report_.header = first_.hasBase ? first_ : header;
     report_.header.format = header.format;
     CGrpGps& group = *book_.GetGrpAt(group_);
-    if (const CPunGps* first = book_.GetPunAt(group_, 0))
+    // A group that was there before keeps its date and its base; the points have theirs from the log.
+    if (const CPunGps* first = book_.GetPunAt(group_, 0); first && group.GetData().empty())
         group.SetData(fmt::format("{:04}-{:02}-{:02}", first->GetYear(), first->GetMonth(), first->GetDay()));
     const LogHeader& base = report_.header;
     if (!base.hasBase) return;
@@ -96,10 +97,12 @@ void GroupFiller::FillGroup(const LogHeader& header) {
     FillBase(atBase, base);
     double lat = 0, lon = 0, h = 0;
     atBase.GetGrafBase(lat, lon, h);
-    group.SetBaseLat(lat);
-    group.SetBaseLong(lon);
-    group.SetBaseElev(h);
-    group.SetBaseAltAnt(IsCoordValid(base.baseAntenna) ? base.baseAntenna : 0);
+    if (!group.AreBaseCoordValid()) {
+        group.SetBaseLat(lat);
+        group.SetBaseLong(lon);
+        group.SetBaseElev(h);
+        group.SetBaseAltAnt(IsCoordValid(base.baseAntenna) ? base.baseAntenna : 0);
+    }
     if (header_) return;  // every point got its own base when it was met
     for (int p = 0; p < book_.GetPunArSize(group_); ++p) FillBase(*book_.GetPunAt(group_, p), base);
 }

@@ -46,7 +46,8 @@ public:
     void Reject(Reason reason, std::int64_t line, std::string_view detail) override;
     void Ignore(Reason reason, std::int64_t line, std::string_view detail) override;
 
-    /// Stores what the log says of its base, the first one of several, and the date of the first point.
+    /// Stores what the log says of its base, the first one of several, and the date of the first point, in a
+    /// group that has none.
     void FillGroup(const LogHeader& header);
 
 private:

@@ -1,7 +1,22 @@
 target_sources(gpsbook_lib PRIVATE
+  book/Address.cpp
+  book/BookRows.cpp
+  book/BookSummary.cpp
+  book/ConversionText.cpp
+  book/Deletion.cpp
+  book/DerivedCoordinates.cpp
+  book/EditItem.cpp
   book/EpochFilter.cpp
+  book/Glob.cpp
   book/GroupFiller.cpp
+  book/GroupSystem.cpp
   book/Interrupt.cpp
+  book/Lint.cpp
   book/LogImport.cpp
   book/LogInput.cpp
-  book/Progress.cpp)
+  book/OpenBook.cpp
+  book/PlaneRefresh.cpp
+  book/PointFilter.cpp
+  book/Progress.cpp
+  book/Reorder.cpp
+  book/VersionLimits.cpp)

@@ -18,6 +18,8 @@ struct CivilDate {
 struct UtcTime {
     CivilDate date;
     std::uint32_t todMs = 0;  // milliseconds; a leap second counts from 86400000
+
+    friend bool operator==(const UtcTime&, const UtcTime&) = default;
 };
 
 inline constexpr std::int64_t kDayMs = 86'400'000;       // milliseconds of a day without leap second

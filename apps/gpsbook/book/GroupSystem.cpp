@@ -1,0 +1,44 @@
+#include "apps/gpsbook/book/GroupSystem.h"
+
+#include "apps/gpsbook/commands/CommandError.h"
+#include "gps/model/CLibGps.h"
+
+namespace gpsbook {
+
+CProiezPla ProjectionFrom(const std::string& crs) {
+    CProiezPla projection;
+    std::string why;
+    if (!projection.SetDefinizione(crs, why)) throw CommandError(exitUsage, "--crs: " + why);
+    return projection;
+}
+
+std::string TableSystem(const CProiezPla& projection) {
+    return projection.IsDefinizioneText() ? projection.GetWkt() : projection.GetDefinizione();
+}
+
+std::string TableSystem(const CGrpGps& group) {
+    const CConvLocal& local = *group.GetConvCoord()->GetConvLocal();
+    if (local.IsRotoTrasSet()) return {};
+    const CProiezPla& projection = local.GetProiezPla();
+    return projection.GetType() == TpProiezPla::definizione ? TableSystem(projection)
+                                                            : projection.GetSistema();
+}
+
+void SetSystem(CGrpGps& group, const std::string& crs) {
+    CConvCoord* conversion = group.GetConvCoord();
+    std::string why;
+    if (!conversion->GetConvLocal()->SetDefinizione(crs, why)) throw CommandError(exitUsage, "--crs: " + why);
+    conversion->SetImp(CConvCoord::impPronta, 1);
+    group.SetCodeElab(1);  // bit 0: the conversion counts as valid
+}
+
+CGrpGps& AddGroup(CLibGps& book, const std::string& name, const std::string& crs) {
+    ProjectionFrom(crs);
+    CGrpGps& group = *book.AddGrp(false);
+    group.SetNome(name);
+    group.SetNomeGrp(name);
+    SetSystem(group, crs);
+    return group;
+}
+
+}  // namespace gpsbook

@@ -1,0 +1,33 @@
+// OpenBook: opening and saving the book that a command works on.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/project/Project.h"
+
+namespace gpsbook {
+
+/// The file that is meant: as given, or with ".gpsbook" behind it when only that exists.
+std::string BookFile(const std::string& given);
+
+/// The name of a new book: as given, with ".gpsbook" behind it when it has no ending.
+std::string NewBookFile(const std::string& given);
+
+/// Opens a book to read it. What is wrong or worth telling goes to standard error; of a damaged one the
+/// object holds what could be read. Errors: ProjectError.
+std::unique_ptr<gpsproject::Project> OpenToRead(const std::string& given);
+
+/// To be called when all that could be read is told of. Errors: CommandError (exitRefused) for a damaged
+/// book, so that nobody takes a part for the whole.
+void EndReading(const gpsproject::Project& project);
+
+/// Opens a book to change it. Errors: ProjectError; CommandError (exitRefused) for a damaged one, which is
+/// never written over.
+std::unique_ptr<gpsproject::Project> OpenToWrite(const std::string& given);
+
+/// Saves what was changed; what the stream version of the book has no place for is told of. Errors:
+/// ProjectError, and CommandError when the program was asked to end; the file is as it was then.
+void SaveBook(gpsproject::Project& project);
+
+}  // namespace gpsbook

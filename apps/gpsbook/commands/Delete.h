@@ -1,0 +1,14 @@
+// The command `gpsbook delete`: groups and points leave a book.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace gpsbook {
+
+/// Adds the command to the program. When it is run it sets `exitCode` (see ExitCode).
+/// Requires: `exitCode` outlives the parsing of the command line.
+void AddDeleteCommand(CLI::App& app, int& exitCode);
+
+}  // namespace gpsbook

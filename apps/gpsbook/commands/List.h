@@ -1,0 +1,14 @@
+// The command `gpsbook list`: groups and points of a book.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace gpsbook {
+
+/// Adds the command to the program. When it is run it sets `exitCode` (see ExitCode).
+/// Requires: `exitCode` outlives the parsing of the command line.
+void AddListCommand(CLI::App& app, int& exitCode);
+
+}  // namespace gpsbook

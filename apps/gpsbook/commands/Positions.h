@@ -1,0 +1,12 @@
+// Positions: numbers of places in a list, from 0, as they are given to options.
+#pragma once
+
+#include <string>
+
+namespace gpsbook {
+
+/// Where something is inserted into a list of `size`: "3" or "#3", up to `size`; nothing means at the end.
+/// Errors: CommandError (exitUsage) naming the option.
+int InsertPosition(const std::string& option, const std::string& text, int size);
+
+}  // namespace gpsbook
