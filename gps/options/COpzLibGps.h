@@ -10,6 +10,7 @@ class GPS_API COpzLibGps {
 public:
     COpzLibGps();
     COpzLibGps(const COpzLibGps&) = default;
+    ~COpzLibGps() = default;
 
     /// Copies all five, OpzFlagC too, although no record holds it. Intended.
     COpzLibGps& operator=(const COpzLibGps&) = default;

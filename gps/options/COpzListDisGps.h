@@ -14,15 +14,15 @@ public:
     /// Makes the list and its entries and reads the settings. `parent` may be null.
     explicit COpzListDisGps(COpzListDisEgn* parent);
 
-    /// The two pointers to the entries are copied as they are: they still point at the source's entries.
-    /// Intended; nothing looks through them.
+    /// The two pointers to the entries are copied as they are: in a copy they lead to entries of the source,
+    /// and nowhere once it is gone. Intended; nothing looks through them.
     COpzListDisGps(const COpzListDisGps&) = default;
     COpzListDisGps& operator=(const COpzListDisGps&) = default;
     ~COpzListDisGps() override;
 
     COpzListDisEgn* Clone() const override;
 
-    /// Whatever entry stands at position 0, at position 1: the host may have exchanged them.
+    /// The normal entries at positions 0 and 1, which the host may have exchanged.
     COpzDisEgn& GetOpzPun() { return GetOpzNor(0); }
     COpzDisEgn& GetOpzGrp() { return GetOpzNor(1); }
 

@@ -119,6 +119,7 @@ bool COpzPostProc::AddDataPtBaseLineDett(std::string file) {
     return true;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes its paths by value
 int COpzPostProc::GetIdPtBaseLineDettByFile(std::string file) const {
     return IdByFile(vecPtBaseLineDett, file);
 }
@@ -134,6 +135,7 @@ bool COpzPostProc::AddDataPtBaseLineBase(std::string file) {
     return true;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes its paths by value
 int COpzPostProc::GetIdPtBaseLineBaseByFile(std::string file) const {
     return IdByFile(vecPtBaseLineBase, file);
 }

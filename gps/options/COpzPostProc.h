@@ -1,4 +1,4 @@
-// COpzPostProc: what static post-processing of baselines needs from the field book.
+// COpzPostProc: options of the post-processing of baselines.
 #pragma once
 
 #include <cstdint>
@@ -109,8 +109,8 @@ public:
     /// Everything but the choices, the further parameters and the results.
     void SalvaInFile(ofpstream& out) const;
 
-    /// Appends the files of the record to the lists as they stand: meant for a new object. A record that
-    /// ends too early leaves zeros and empty texts in what follows.
+    /// The record's files come behind those that the lists hold already: meant for a new object. A record
+    /// that ends too early gives what it has of a text that is cut, then zeros and empty texts.
     void LeggeDaFile(ifpstream& in);
 
     // --- files ---------------------------------------------------------------------------------------------
@@ -161,7 +161,7 @@ public:
 
     // The user's choices: in the settings, not in the project's record.
     std::int32_t TpInsCoordBase = 0;         // how coordinates of bases are put in
-    std::int32_t eOpzCreaNuoviPt = 0;        // whether and how new points are made
+    std::int32_t eOpzCreaNuoviPt = 0;        // making of new points
     std::string sNumeGruppoSpec;             // which groups
     std::int32_t eOpzNomiNuoviPt = 0;        // names of new points
     std::string sSuffissoPtNuovi;            // what is appended to them

@@ -1,7 +1,6 @@
 #include "gps/options/StringResources.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 namespace {
@@ -26,7 +25,6 @@ int LoadStringGps(unsigned id, char* buffer, int size) {
         if (resource.id == id) text = resource.text;
     std::size_t length = std::min(text.size(), static_cast<std::size_t>(size) - 1);
     while (length > 0 && length < text.size() && ContinuesCharacter(text[length])) --length;
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
+    buffer[text.copy(buffer, length)] = '\0';
     return static_cast<int>(length);
 }

@@ -1,6 +1,6 @@
 #include "host/base/IniValues.h"
 
-#define SI_NO_CONVERSION  // texts are bytes: the wide forms, and what they need, are left out
+#define SI_NO_CONVERSION  // texts are bytes: the wide forms are left out
 #include <SimpleIni.h>
 
 #include "host/base/IniLines.h"

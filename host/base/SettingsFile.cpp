@@ -102,9 +102,11 @@ bool Replace(const std::string& path, const SettingsChange& change) {
         unlink(beside.c_str());
         return false;
     }
-    // The new name is in the folder; that it survives a power failure is the folder's own fsync.
+    // That the new name survives a power failure is the folder's own fsync. Not every file system has one,
+    // nor may everybody who writes to a folder open it; the text is replaced, whatever comes of this.
     const Descriptor folder(FolderOf(path), O_RDONLY | O_DIRECTORY, 0);
-    return folder.IsOpen() && fsync(folder.Get()) == 0;
+    if (folder.IsOpen()) fsync(folder.Get());
+    return true;
 }
 
 }  // namespace
@@ -138,21 +140,21 @@ SettingsText ReadSettings(const std::string& path) {
     return read;
 }
 
-bool ChangeSettings(const std::string& name,
+bool ChangeSettings(const std::string& path,
                     const std::function<SettingsChange(const SettingsText&)>& change) {
-    if (name.empty()) return false;
-    const std::string path = Resolved(PercorsoDiSistema(name.c_str()));
+    if (path.empty()) return false;
+    const std::string file = Resolved(PercorsoDiSistema(path.c_str()));
     std::error_code failed;
-    std::filesystem::create_directories(FolderOf(path), failed);
+    std::filesystem::create_directories(FolderOf(file), failed);
     if (failed) return false;
-    const Descriptor lock(path + ".lock", O_RDWR | O_CREAT, 0666);
+    const Descriptor lock(file + ".lock", O_RDWR | O_CREAT, 0666);
     if (!lock.IsOpen() || !Lock(lock.Get())) return false;
 
-    const SettingsText old = ReadSettings(path);
+    const SettingsText old = ReadSettings(file);
     if (old.state == SettingsText::State::Refused) return false;
     SettingsChange changed = change(old);
     if (changed.text == old.text) return true;
     if (changed.text.size() > static_cast<std::size_t>(kLargest)) return false;
     changed.keepOld |= old.state == SettingsText::State::Damaged;
-    return Replace(path, changed);
+    return Replace(file, changed);
 }

@@ -57,6 +57,7 @@ COpzListDisEgn::COpzListDisEgn(const COpzListDisEgn& other)
       nessuna_("") {}
 
 COpzListDisEgn& COpzListDisEgn::operator=(const COpzListDisEgn& other) {
+    if (this == &other) return *this;  // its entries stay the ones that others know
     // Everything that may fail comes first.
     Voci normali = Cloned(other.normali_);
     Voci comuni = Cloned(other.comuni_);

@@ -78,8 +78,8 @@ public:
 
     /// Reads such a record, as an assignment does: an item with an id leaves the added items and is known by
     /// it, and changed as its mask says; without an id it is an added one. A ticket above 0 is restored, and
-    /// the table draws none up to it any more. An id that another item of the table holds is dropped, with
-    /// mask and ticket: the item is then an added one.
+    /// the table draws none up to it any more; an item with an id has none when its record has none. An id
+    /// that another item of the table holds is dropped, with mask and ticket: the item is then an added one.
     void LeggeDaFile(ifpstream& in, short version);
 
     /// For tests and tools of the open host: told of every CloudItemChanged at entry, before the switch is

@@ -76,12 +76,15 @@ public:
     void LeggeValori(ifpstream& in);
 
 protected:
+    // Classes of entries set these directly, the line widths by their setters.
+    // NOLINTBEGIN(misc-non-private-member-variables-in-classes)
     short VisSimb = 1;   // visibility of the symbol
     short ColSimb = 0;   // colour of the symbol
     short ColNome = 0;   // of the name label
     short ColDesc = 0;   // of the description label
     short ColQuot = 0;   // of the height label
     short TipoSimb = 0;  // symbol type
+    // NOLINTEND(misc-non-private-member-variables-in-classes)
 
 private:
     struct Valore;

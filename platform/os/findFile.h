@@ -10,6 +10,7 @@ struct WIN32_FIND_DATAA {
 
 using HANDLE = void*;
 
+// NOLINTNEXTLINE(misc-misplaced-const,performance-no-int-to-ptr): its value is what hosts know
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(static_cast<long long>(-1));
 
 /// Starts a search. The pattern is a folder, a separator ("/" or "\") and a name in which "*" stands for any
