@@ -25,6 +25,12 @@ public:
         std::uint32_t owner = 0, group = 0;
 
         bool operator==(const Facts&) const = default;
+
+        /// Whether it is the same file, not written to since. Names that it got or lost do not count.
+        bool IsSameContent(const Facts& other) const {
+            return device == other.device && inode == other.inode && size == other.size &&
+                   modifiedNs == other.modifiedNs;
+        }
     };
 
     enum class How {

@@ -116,6 +116,42 @@ void CloudModel::SetId(int item, long long id) {
     if (it.table != NONE) EnterAdded(item);
 }
 
+void CloudModel::Read(int item, long long id, std::uint32_t mask, std::uint32_t since, long long ticket) {
+    Item& it = At(item);
+    if (it.table != NONE) {
+        LeaveById(item);
+        TableAt(it.table).added.erase(item);
+    }
+    it.id = id < 1 ? 0 : id;
+    it.mask = mask;
+    it.since = since;
+    const bool dropped = it.table != NONE && it.id > 0 && IsHeldByOther(item);
+    if (dropped) {
+        it.id = 0;
+        it.mask = it.since = 0;
+    } else if (ticket > 0 || it.id > 0) {
+        it.ticket = ticket;
+    }
+    if (it.table == NONE) return;
+    Table& table = TableAt(it.table);
+    table.tickets = std::max(table.tickets, it.ticket);
+    if (it.id == 0) {
+        EnterAdded(item);
+        return;
+    }
+    EnterById(item);
+    if (it.mask != 0) table.changed.insert(item);
+}
+
+bool CloudModel::IsTicketFree(int item, long long ticket) {
+    // Items that are known by their id may come back among the added ones: their tickets count, too.
+    for (std::size_t other = 0; other < items_.size(); ++other)
+        if (static_cast<int>(other) != item && items_[other].alive && items_[other].table == At(item).table &&
+            items_[other].ticket == ticket)
+            return false;
+    return true;
+}
+
 // --- tables ------------------------------------------------------------------------------------------------
 
 void CloudModel::MakeTable(int table) {

@@ -61,6 +61,10 @@ public:
     void SetNotify(int item, bool on);
     void SetId(int item, long long id);
 
+    /// Reads a record. Requires: no other added item of the table has this ticket.
+    void Read(int item, long long id, std::uint32_t mask, std::uint32_t since, long long ticket);
+    bool IsTicketFree(int item, long long ticket);
+
     // --- tables ----------------------------------------------------------------------------------------
 
     void MakeTable(int table);

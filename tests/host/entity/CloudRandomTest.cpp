@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/base/ifpstream.h"
+#include "tests/Bytes.h"
 #include "tests/Scale.h"
 #include "tests/host/entity/CloudModel.h"
 #include "tests/host/entity/CloudParts.h"
@@ -44,7 +46,7 @@ public:
     const std::string& LastOperation() const { return last_; }
 
     /// How often something worth testing came about: a test that never gets there proves nothing.
-    long confirmed = 0, tombstones = 0, collisions = 0, changedSeen = 0, detached = 0;
+    long confirmed = 0, tombstones = 0, collisions = 0, changedSeen = 0, detached = 0, restored = 0;
 
 private:
     static constexpr int kTables = 2;
@@ -59,6 +61,7 @@ private:
 
     void MakeItem(int i);
     void ItemStep(int i);
+    void ReadRecord(int i);
     void TableLife(int t);
     void TableStep(int t, int i);
     void CommitStep(int t);
@@ -120,7 +123,7 @@ void Simulation::MakeItem(int i) {
 void Simulation::ItemStep(int i) {
     Item& item = *At(i);
     const int from = Random(world_.items);
-    switch (Random(8)) {
+    switch (Random(9)) {
         case 0:
             if (!OneIn(3)) break;
             last_ = "destroy";
@@ -149,6 +152,9 @@ void Simulation::ItemStep(int i) {
             model_.SetNotify(i, on);
             return;
         }
+        case 4:
+            last_ = "read record";
+            return ReadRecord(i);
         default:
             break;
     }
@@ -156,6 +162,20 @@ void Simulation::ItemStep(int i) {
     const std::uint32_t flag = OneIn(20) ? 0 : 1u << Random(32);
     item.CloudItemChanged(flag);
     model_.Changed(i, flag);
+}
+
+void Simulation::ReadRecord(int i) {
+    const long long id = RandomId();
+    const std::uint32_t mask = OneIn(3) ? 0 : 1u << Random(32) | 1u << Random(32);
+    const std::uint32_t since = OneIn(2) ? mask : mask & 0xFFFF;
+    // Its own ticket, one that nobody has, or none: two items with one ticket have a test of their own.
+    long long ticket = OneIn(3) ? 0 : model_.At(i).ticket + Random(5) - 2;
+    if (ticket < 0 || !model_.IsTicketFree(i, ticket)) ticket = 0;
+    restored += ticket > 0 && ticket != model_.At(i).ticket ? 1 : 0;
+    const std::string bytes = test::Bytes().I64(id).U32(mask).U32(since).I64(ticket);
+    ifpstream in(bytes.data(), bytes.size(), 1400);
+    At(i)->LeggeDaFile(in, 1400);
+    model_.Read(i, id, mask, since, ticket);
 }
 
 void Simulation::TableStep(int t, int i) {
@@ -318,6 +338,7 @@ TEST_P(CloudRandom, OperationsDoWhatTheModelDoes) {
     EXPECT_GT(simulation.collisions, operations / 1000);
     EXPECT_GT(simulation.changedSeen, operations / 1000);
     EXPECT_GT(simulation.detached, 0);
+    EXPECT_GT(simulation.restored, operations / 1000);
 }
 
 INSTANTIATE_TEST_SUITE_P(, CloudRandom,
