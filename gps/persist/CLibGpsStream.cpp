@@ -15,7 +15,7 @@
 
 namespace {
 
-// No group or point record is shorter than this. A count beyond what the stream can hold is damage: it must
+// Nearly every group or point record is longer than this. A count beyond what the stream can hold is damage: it must
 // not reserve room for records that never come.
 constexpr std::int64_t kShortestRecord = 64;
 

@@ -10,8 +10,6 @@ class FileSink : public StreamSink {
 public:
     /// `error` is an error number of errno when the file cannot be opened, else 0.
     FileSink(const char* file, int& error);
-    FileSink(const FileSink&) = delete;
-    FileSink& operator=(const FileSink&) = delete;
     ~FileSink() override;
 
     int Write(const void* bytes, std::size_t size) override;
@@ -26,8 +24,6 @@ class FileSource : public StreamSource {
 public:
     /// `size`: bytes of the file; `error` as above.
     FileSource(const char* file, std::int64_t& size, int& error);
-    FileSource(const FileSource&) = delete;
-    FileSource& operator=(const FileSource&) = delete;
     ~FileSource() override;
 
     int Read(void* bytes, std::size_t size, std::size_t& got) override;

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr std::int64_t kWindow = 256 * 1024;
-constexpr std::int64_t kBlock = 4096;
+constexpr std::int64_t kLeast = 4096;
 
 }  // namespace
 
@@ -57,8 +57,8 @@ void ifpstream::Skip(std::int64_t size) {
 bool ifpstream::Fetch(std::size_t size) {
     if (!source_ || error_ != 0) return false;
     if (!window_) {
-        // A short stream gets a short window, but room for every block.
-        room_ = static_cast<std::size_t>(std::clamp<std::int64_t>(size_, kBlock, kWindow));
+        // A short stream gets a short window.
+        room_ = static_cast<std::size_t>(std::clamp<std::int64_t>(size_, kLeast, kWindow));
         window_.reset(new unsigned char[room_]);
         begin_ = cur_ = end_ = window_.get();
     }

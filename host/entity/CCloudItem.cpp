@@ -113,6 +113,8 @@ void CCloudItem::LeggeDaFile(ifpstream& in, short) {
         since_ = 0;
     } else if (ticket > 0 && ticket <= kTicketMax) {
         ticket_ = ticket;
+    } else if (id_ > 0) {
+        ticket_ = 0;  // it came from the server: what it drew while it was made is nobody's
     }
     if (!table) return;
     table->TicketUsed(ticket_);

@@ -8,6 +8,9 @@
 /// Takes the bytes of an ofpstream, in pieces of up to its window.
 class GPS_PLATFORM_API StreamSink {
 public:
+    StreamSink() = default;
+    StreamSink(const StreamSink&) = delete;
+    StreamSink& operator=(const StreamSink&) = delete;
     virtual ~StreamSink();
 
     /// Takes all bytes; on failure an error number of errno, else 0. Not called again after a failure.
@@ -20,6 +23,9 @@ public:
 /// Gives the bytes of an ifpstream.
 class GPS_PLATFORM_API StreamSource {
 public:
+    StreamSource() = default;
+    StreamSource(const StreamSource&) = delete;
+    StreamSource& operator=(const StreamSource&) = delete;
     virtual ~StreamSource();
 
     /// Up to `size` bytes; `got` is 0 at the end only. On failure an error number of errno, else 0. Not

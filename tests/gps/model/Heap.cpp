@@ -12,6 +12,9 @@ constexpr std::size_t kFreedMax = 64;
 
 // Plain data: it is used before any constructor of this program has run.
 long untilFailure = -1;  // -1: never
+long failuresLeft = 0;
+std::size_t failingSize = 0;  // 0: none
+long untilSizeFails = 0;
 bool failed = false;
 std::size_t sizeLimit = std::numeric_limits<std::size_t>::max();
 const void* wanted[kFreedMax];
@@ -20,7 +23,9 @@ const void* freed[kFreedMax];
 std::size_t freedCount = 0;
 
 void* Allocate(std::size_t size) noexcept {
-    if (untilFailure == 0 || size > sizeLimit) {
+    const bool turn = untilFailure == 0 && failuresLeft-- > 0;
+    const bool sizeTurn = failingSize != 0 && size == failingSize && untilSizeFails-- == 0;
+    if (turn || sizeTurn || size > sizeLimit) {
         failed = true;
         return nullptr;
     }
@@ -53,12 +58,20 @@ void operator delete[](void* at, const std::nothrow_t&) noexcept { Free(at); }
 
 namespace test {
 
-FailingHeap::FailingHeap(long n) {
+FailingHeap::FailingHeap(long n, long times) {
     failed = false;
+    failuresLeft = times;
     untilFailure = n;
 }
 FailingHeap::~FailingHeap() { untilFailure = -1; }
 bool FailingHeap::HasFailed() { return failed; }
+
+FailingSize::FailingSize(std::size_t size, long n) {
+    failed = false;
+    untilSizeFails = n;
+    failingSize = size;
+}
+FailingSize::~FailingSize() { failingSize = 0; }
 
 SmallHeap::SmallHeap(std::size_t limit) {
     failed = false;

@@ -1,21 +1,31 @@
 // Heap: the global operator new and delete of this program, made to fail and to be listened to.
 #pragma once
 
+#include <climits>
 #include <cstddef>
 #include <vector>
 
 namespace test {
 
-/// While it lives, the n-th allocation from now on fails, and every one after it; n from 0.
+/// While it lives, the n-th allocation from now on fails, and every one after it, up to so many; n from 0.
 class FailingHeap {
 public:
-    explicit FailingHeap(long n);
+    explicit FailingHeap(long n, long times = LONG_MAX);
     ~FailingHeap();
     FailingHeap(const FailingHeap&) = delete;
     FailingHeap& operator=(const FailingHeap&) = delete;
 
     /// Whether an allocation has been refused.
     static bool HasFailed();
+};
+
+/// While it lives, the n-th allocation of exactly so many bytes fails, that one only; n from 0.
+class FailingSize {
+public:
+    FailingSize(std::size_t size, long n);
+    ~FailingSize();
+    FailingSize(const FailingSize&) = delete;
+    FailingSize& operator=(const FailingSize&) = delete;
 };
 
 /// While it lives, single allocations of more than so many bytes fail.
