@@ -1,0 +1,148 @@
+// Makes the inputs that the targets begin with: fuzz_corpus FOLDER writes FOLDER/<target>/<name>.
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "fuzz/Fuzz.h"
+#include "gps/model/CLibGps.h"
+#include "gps/options/COpzPostProc.h"
+#include "host/project/Project.h"
+#include "platform/coord/CLibMap.h"
+#include "tests/gps/persist/RandomBook.h"
+
+namespace {
+
+// One below and one at every version at which a record changes, and the newest.
+constexpr short kVersions[] = {0,    719,  720,  741,  742,  743,  749,  750,  880,  881,  902, 903,
+                               1001, 1002, 1003, 1004, 1105, 1106, 1299, 1300, 1310, 1311, 1400};
+constexpr short kNewest = 1400;
+
+class Corpus {
+public:
+    explicit Corpus(const std::filesystem::path& folder) : folder_(folder) {}
+
+    void Add(const std::string& target, const std::string& name, const std::string& input) {
+        std::filesystem::create_directories(folder_ / target);
+        std::ofstream out(folder_ / target / name, std::ios::binary);
+        out.write(input.data(), static_cast<std::streamsize>(input.size()));
+        good_ = out.good() && good_;
+    }
+    bool IsGood() const { return good_; }
+    std::filesystem::path Folder(const std::string& target) {
+        std::filesystem::create_directories(folder_ / target);
+        return folder_ / target;
+    }
+
+private:
+    std::filesystem::path folder_;
+    bool good_ = true;
+};
+
+struct Book {
+    CLibMap map;
+    CLibGps lib{nullptr, nullptr, nullptr, &map, 3};
+};
+
+// One group with one point and one observation file: few bytes, every record.
+void FillSmall(CLibGps& book) {
+    CGrpGps* group = book.AddGrp(false);
+    group->SetNomeGrp("G");
+    group->SetNome("B");
+    group->SetCloudId(7);
+    group->GetConvCoord()->SetImp(CConvCoord::impPronta, 1);
+    group->GetConvCoord()->SetImpFlag(true);
+    group->GetConvCoord()->GetConvLocal()->SetTpProiezPlaEx(TpProiezPla::mercatoreTrasversa, 0, 9, 500000, 0,
+                                                            0.9996);
+    CPunGps* point = book.AddPun(0, false);
+    point->SetNome("P");
+    point->SetNote("n");
+    point->SetLat(45);
+    point->SetLong(11);
+    point->SetElev(100);
+    point->CloudItemChanged(4);
+    book.GetOpzPostProc()->AddDataPtBaseLineDett("r.tps");
+}
+
+void AddSection(Corpus& corpus, const std::string& name, Book& book, short version, bool cloud) {
+    const std::string section = fuzz::Written(
+        version, [&](ofpstream& out) { book.lib.SalvaInFile(out, version, "book", nullptr, nullptr); });
+    corpus.Add("section", name, fuzz::MakeInput(version, cloud ? 1 : 0, section));
+}
+
+void AddSections(Corpus& corpus) {
+    for (const short version : kVersions) {
+        Book empty, small;
+        FillSmall(small.lib);
+        for (const bool cloud : {false, true}) {
+            const std::string kind = std::to_string(version) + (cloud ? "-cloud" : "");
+            AddSection(corpus, "empty-" + kind, empty, version, cloud);
+            AddSection(corpus, "small-" + kind, small, version, cloud);
+        }
+    }
+    for (unsigned seed = 1; seed <= 8; ++seed) {
+        Book book;
+        test::RandomBook(seed).Fill(book.lib, book.map);
+        AddSection(corpus, "random-" + std::to_string(seed), book, kNewest, seed % 2 == 1);
+    }
+}
+
+void AddRecords(Corpus& corpus) {
+    Book small;
+    FillSmall(small.lib);
+    CPunGps& point = *small.lib.GetPunAt(0, 0);
+    CConvCoord& conversion = *small.lib.GetGrpAt(0)->GetConvCoord();
+    CDatumConv* datum = small.map.AddDat(1, 2);
+    datum->SetNome("d");
+    datum->SetCoeffToStd(1, 2, 3, 4, 5, 6, 7);
+    for (unsigned switches = 0; switches < 2; ++switches) {
+        const std::string name = switches == 0 ? "plain" : "switched";
+        const auto add = [&](const char* target, short version,
+                             const std::function<void(ofpstream&)>& write) {
+            corpus.Add(target, name + "-" + std::to_string(version),
+                       fuzz::MakeInput(version, switches, fuzz::Written(version, write)));
+        };
+        add("entity", kNewest, [&](ofpstream& out) {
+            point.CEgn::SalvaInFile(out);
+            point.CCloudItem::SalvaInFile(out, kNewest, false);
+        });
+        add("conversion", kNewest, [&](ofpstream& out) { conversion.SalvaInFile(out, kNewest); });
+        add("map", kNewest, [&](ofpstream& out) { small.map.SalvaInFile(out, kNewest); });
+        add("book_options", kNewest,
+            [&](ofpstream& out) { small.lib.GetOpzLibGps().SalvaInFile(out, kNewest); });
+        for (const short version : {short{719}, short{730}, short{742}})
+            add("display_options", version,
+                [&](ofpstream& out) { small.lib.GetOpzListDisGps().SalvaInFile(out, version, nullptr); });
+        for (const short version : {short{1002}, short{1003}, short{1300}})
+            add("postproc", version, [&](ofpstream& out) { small.lib.GetOpzPostProc()->SalvaInFile(out); });
+    }
+}
+
+void AddContainers(Corpus& corpus) {
+    const std::filesystem::path folder = corpus.Folder("container");
+    for (const short version : {short{743}, short{1400}}) {
+        const std::filesystem::path file = folder / ("book-" + std::to_string(version));
+        gpsproject::Project project(version);
+        FillSmall(project.GetBook());
+        project.GetSettings()["name"] = "a project";
+        project.SaveAs(file.string(), true);
+        std::filesystem::remove(file.string() + ".bak");
+        std::filesystem::remove(file.string() + ".lock");
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fputs("usage: fuzz_corpus FOLDER\n", stderr);
+        return 2;
+    }
+    fuzz::ForgetSettings();
+    Corpus corpus(argv[1]);
+    AddSections(corpus);
+    AddRecords(corpus);
+    AddContainers(corpus);
+    return corpus.IsGood() ? 0 : 1;
+}
