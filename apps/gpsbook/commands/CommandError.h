@@ -11,7 +11,7 @@ enum ExitCode : int {
     exitDone = 0,
     exitFailure = 1,   // the work could not be done
     exitUsage = 2,     // the command line is wrong
-    exitConflict = 3,  // kept for conflicts of a shared book
+    exitConflict = 3,  // a book that others write or have changed, findings of a check
     exitRefused = 4,   // a damaged file, or one that is not what it should be
     exitNotFound = 5,  // a file or an item that does not exist
     exitServer = 6     // server or network

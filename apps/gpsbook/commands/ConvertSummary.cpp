@@ -15,21 +15,23 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// A system as a label of one short line; a WKT can have a hundred.
-std::string Label(const std::string& crs) {
+}  // namespace
+
+std::string SystemLabel(const std::string& crs) {
     constexpr std::size_t most = 60;
     const std::size_t end = std::min(crs.find_first_of("\r\n"), most);
     return crs.size() <= end ? crs : crs.substr(0, end) + "...";
 }
 
+std::string Counted(std::int64_t n, const char* one) {
+    return fmt::format("{} {}{}", n, one, n == 1 ? "" : "s");
+}
+
+namespace {
+
 void Widen(double& low, double& high, double v) {
     low = IsCoordValid(low) ? std::min(low, v) : v;
     high = IsCoordValid(high) ? std::max(high, v) : v;
-}
-
-// "1 point", "2 points"
-std::string Counted(std::int64_t n, const char* one) {
-    return fmt::format("{} {}{}", n, one, n == 1 ? "" : "s");
 }
 
 std::string Lines(const Tally& tally) {
@@ -61,6 +63,19 @@ void AppendTallies(std::string& out,
                            fate, ReasonText(static_cast<Reason>(i)), Lines(tallies[i]));
 }
 
+Json Number(double v) { return IsCoordValid(v) ? Json(v) : Json(nullptr); }
+
+Json TallyJson(const std::array<Tally, static_cast<std::size_t>(Reason::count_)>& tallies) {
+    Json all = Json::object();
+    for (std::size_t i = 0; i < tallies.size(); ++i)
+        if (tallies[i].count > 0)
+            all[std::string(ReasonText(static_cast<Reason>(i)))] = {{"count", tallies[i].count},
+                                                                    {"lines", tallies[i].lines}};
+    return all;
+}
+
+}  // namespace
+
 void AppendLog(std::string& out, const LogReport& log, const FillOptions& fill) {
     const auto add = std::back_inserter(out);
     if (log.header.format.empty()) {
@@ -78,17 +93,6 @@ void AppendLog(std::string& out, const LogReport& log, const FillOptions& fill) 
         fmt::format_to(add, "  the file names an antenna {:.4f} m above the mark; --antenna says {:.4f}\n",
                        antenna, fill.antenna);
 }
-
-Json TallyJson(const std::array<Tally, static_cast<std::size_t>(Reason::count_)>& tallies) {
-    Json all = Json::object();
-    for (std::size_t i = 0; i < tallies.size(); ++i)
-        if (tallies[i].count > 0)
-            all[std::string(ReasonText(static_cast<Reason>(i)))] = {{"count", tallies[i].count},
-                                                                    {"lines", tallies[i].lines}};
-    return all;
-}
-
-Json Number(double v) { return IsCoordValid(v) ? Json(v) : Json(nullptr); }
 
 Json LogJson(const LogReport& log) {
     Json qualities = Json::object();
@@ -115,28 +119,26 @@ Json LogJson(const LogReport& log) {
             {"ignored", TallyJson(log.ignored)}};
 }
 
-}  // namespace
-
 std::int64_t ConvertResult::Points() const {
     std::int64_t n = 0;
     for (const LogReport& log : logs) n += log.points;
     return n;
 }
 
+void Extent::Add(const CPunGps& point) {
+    if (!point.EstValidoXY()) {
+        ++withoutPlane;
+        return;
+    }
+    Widen(eastMin, eastMax, point.GetCoordX());
+    Widen(northMin, northMax, point.GetCoordY());
+    Widen(heightMin, heightMax, point.GetCoordZ());
+}
+
 Extent ExtentOf(const CLibGps& book) {
     Extent extent;
-    for (int g = 0; g < book.GetGrpArSize(); ++g) {
-        for (int p = 0; p < book.GetPunArSize(g); ++p) {
-            const CPunGps& point = *book.GetPunAt(g, p);
-            if (!point.EstValidoXY()) {
-                ++extent.withoutPlane;
-                continue;
-            }
-            Widen(extent.eastMin, extent.eastMax, point.GetCoordX());
-            Widen(extent.northMin, extent.northMax, point.GetCoordY());
-            Widen(extent.heightMin, extent.heightMax, point.GetCoordZ());
-        }
-    }
+    for (int g = 0; g < book.GetGrpArSize(); ++g)
+        for (int p = 0; p < book.GetPunArSize(g); ++p) extent.Add(*book.GetPunAt(g, p));
     return extent;
 }
 
@@ -150,6 +152,23 @@ std::string ReasonLines(const LogReport& log) {
     return out;
 }
 
+void AppendExtent(std::string& out, const Extent& extent, const std::string& crs) {
+    const auto add = std::back_inserter(out);
+    if (IsCoordValid(extent.eastMin))
+        fmt::format_to(add, "{}: east {:.4f} to {:.4f}, north {:.4f} to {:.4f}, height {:.4f} to {:.4f}\n",
+                       SystemLabel(crs), extent.eastMin, extent.eastMax, extent.northMin, extent.northMax,
+                       extent.heightMin, extent.heightMax);
+    if (extent.withoutPlane > 0)
+        fmt::format_to(add, "warning: without plane coordinates in {}: {}; is it the right system?\n",
+                       SystemLabel(crs), Counted(extent.withoutPlane, "point"));
+}
+
+Json ExtentJson(const Extent& extent) {
+    return {{"east", {Number(extent.eastMin), Number(extent.eastMax)}},
+            {"north", {Number(extent.northMin), Number(extent.northMax)}},
+            {"height", {Number(extent.heightMin), Number(extent.heightMax)}}};
+}
+
 std::string SummaryText(const ConvertResult& r) {
     std::string out;
     for (const LogReport& log : r.logs) AppendLog(out, log, r.fill);
@@ -159,13 +178,7 @@ std::string SummaryText(const ConvertResult& r) {
                    "centre, height of "
                    "the ground mark\n",
                    r.fill.heights == HeightsOf::marker ? "marker" : "antenna", r.fill.antenna);
-    if (IsCoordValid(r.extent.eastMin))
-        fmt::format_to(add, "{}: east {:.4f} to {:.4f}, north {:.4f} to {:.4f}, height {:.4f} to {:.4f}\n",
-                       Label(r.crs), r.extent.eastMin, r.extent.eastMax, r.extent.northMin, r.extent.northMax,
-                       r.extent.heightMin, r.extent.heightMax);
-    if (r.extent.withoutPlane > 0)
-        fmt::format_to(add, "warning: without plane coordinates in {}: {}; is it the right system?\n",
-                       Label(r.crs), Counted(r.extent.withoutPlane, "point"));
+    AppendExtent(out, r.extent, r.crs);
     if (r.skippedRows > 0)
         fmt::format_to(add, "warning: not in the file, since {} holds no point without position: {}\n",
                        r.format, Counted(r.skippedRows, "point"));
@@ -182,10 +195,7 @@ Json SummaryJson(const ConvertResult& r) {
             {"crs", r.crs},
             {"heights", r.fill.heights == HeightsOf::marker ? "marker" : "antenna"},
             {"antenna", r.fill.antenna},
-            {"extent",
-             {{"east", {Number(r.extent.eastMin), Number(r.extent.eastMax)}},
-              {"north", {Number(r.extent.northMin), Number(r.extent.northMax)}},
-              {"height", {Number(r.extent.heightMin), Number(r.extent.heightMax)}}}},
+            {"extent", ExtentJson(r.extent)},
             {"without_plane", r.extent.withoutPlane},
             {"skipped", r.skippedRows},
             {"output", r.output},

@@ -10,6 +10,7 @@
 #include "platform/base/GpsValues.h"
 
 class CLibGps;
+class CPunGps;
 
 namespace gpsbook {
 
@@ -19,6 +20,8 @@ struct Extent {
     double northMin = GPS_VAL_UNSET, northMax = GPS_VAL_UNSET;    // plane units
     double heightMin = GPS_VAL_UNSET, heightMax = GPS_VAL_UNSET;  // metres
     std::int64_t withoutPlane = 0;                                // points that have none
+
+    void Add(const CPunGps& point);
 };
 
 struct ConvertResult {
@@ -34,6 +37,18 @@ struct ConvertResult {
 };
 
 Extent ExtentOf(const CLibGps& book);
+
+/// A plane system as a label of one short line; a WKT can have a hundred.
+std::string SystemLabel(const std::string& crs);
+
+/// "1 point", "2 points"
+std::string Counted(std::int64_t n, const char* one);
+
+// Parts of a summary, for other commands that read logs: lines with a line break at the end of each.
+void AppendLog(std::string& out, const LogReport& log, const FillOptions& fill);
+void AppendExtent(std::string& out, const Extent& extent, const std::string& crs);
+nlohmann::ordered_json LogJson(const LogReport& log);
+nlohmann::ordered_json ExtentJson(const Extent& extent);
 
 /// A few lines, with a line break at the end of each.
 std::string SummaryText(const ConvertResult& result);

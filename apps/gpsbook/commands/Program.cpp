@@ -6,11 +6,64 @@
 #include <new>
 
 #include "apps/gpsbook/book/Interrupt.h"
+#include "apps/gpsbook/commands/Add.h"
+#include "apps/gpsbook/commands/Check.h"
 #include "apps/gpsbook/commands/CommandError.h"
+#include "apps/gpsbook/commands/Completion.h"
+#include "apps/gpsbook/commands/Compute.h"
 #include "apps/gpsbook/commands/Convert.h"
+#include "apps/gpsbook/commands/Delete.h"
+#include "apps/gpsbook/commands/Dump.h"
+#include "apps/gpsbook/commands/Export.h"
+#include "apps/gpsbook/commands/Import.h"
+#include "apps/gpsbook/commands/Info.h"
+#include "apps/gpsbook/commands/List.h"
+#include "apps/gpsbook/commands/Manual.h"
+#include "apps/gpsbook/commands/Move.h"
+#include "apps/gpsbook/commands/New.h"
+#include "apps/gpsbook/commands/Options.h"
+#include "apps/gpsbook/commands/PostProc.h"
+#include "apps/gpsbook/commands/Section.h"
+#include "apps/gpsbook/commands/Set.h"
+#include "apps/gpsbook/commands/Show.h"
 #include "apps/gpsbook/commands/Simulate.h"
+#include "apps/gpsbook/commands/Swap.h"
 
 namespace gpsbook {
+
+namespace {
+
+/// A command, and the heading under which it is listed.
+struct Entry {
+    const char* heading;
+    void (*add)(CLI::App& app, int& exitCode);
+};
+
+constexpr char kLogs[] = "Receiver logs";
+constexpr char kBooks[] = "Field books";
+constexpr char kEditing[] = "Editing";
+constexpr char kInside[] = "What a file holds";
+constexpr char kShell[] = "Shell";
+
+/// All commands, in the order of the help, the manual and the completion, which are all made from it.
+constexpr Entry kCommands[] = {
+    {kLogs, AddConvertCommand},    {kLogs, AddSimulateCommand},    {kBooks, AddNewCommand},
+    {kBooks, AddImportCommand},    {kBooks, AddExportCommand},     {kBooks, AddInfoCommand},
+    {kBooks, AddListCommand},      {kBooks, AddShowCommand},       {kBooks, AddCheckCommand},
+    {kEditing, AddSetCommand},     {kEditing, AddAddCommand},      {kEditing, AddDeleteCommand},
+    {kEditing, AddMoveCommand},    {kEditing, AddSwapCommand},     {kEditing, AddComputeCommand},
+    {kEditing, AddOptionsCommand}, {kEditing, AddPostProcCommand}, {kInside, AddDumpCommand},
+    {kInside, AddSectionCommand},  {kShell, AddCompletionCommand}, {kShell, AddManualCommand},
+};
+
+void AddCommands(CLI::App& app, int& exitCode) {
+    for (const Entry& entry : kCommands) {
+        entry.add(app, exitCode);
+        app.get_subcommands([](CLI::App*) { return true; }).back()->group(entry.heading);
+    }
+}
+
+}  // namespace
 
 int RunProgram(int argc, const char* const* argv) {
     int exitCode = exitDone;
@@ -19,8 +72,8 @@ int RunProgram(int argc, const char* const* argv) {
         CLI::App app("GPS survey field book: receiver logs, points, plane coordinates", "gpsbook");
         app.set_version_flag("--version", "gpsbook " GPSBOOK_VERSION);
         app.require_subcommand(0, 1);  // none is refused below, with the names of those there are
-        AddConvertCommand(app, exitCode);
-        AddSimulateCommand(app, exitCode);
+        AddCommands(app, exitCode);
+        app.footer("gpsbook COMMAND --help tells more of a command.");
         try {
             app.parse(argc, argv);
         } catch (const CLI::ParseError& e) {
@@ -30,11 +83,11 @@ int RunProgram(int argc, const char* const* argv) {
             return code == 0 ? exitDone : exitUsage;
         }
         if (app.get_subcommands().empty()) {
-            std::cerr << "gpsbook: no command is given; give convert or simulate, --help tells more\n";
+            std::cerr << "gpsbook: no command is given; --help lists them\n";
             return exitUsage;
         }
     } catch (const std::bad_alloc&) {
-        std::cerr << "gpsbook: out of memory; convert fewer logs at once, or thin them with --every\n";
+        std::cerr << "gpsbook: out of memory; read fewer logs at once, or thin them with --every\n";
         return exitFailure;
     } catch (const std::exception& e) {
         std::cerr << "gpsbook: " << e.what() << '\n';

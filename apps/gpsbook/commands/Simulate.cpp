@@ -71,8 +71,11 @@ void SetStart(SimulationOptions& simulation, const std::string& text) {
 template <typename Value>
 void AddChoice(CLI::App& command, const std::string& name, Value& value,
                const std::map<std::string, Value>& choices, const std::string& help) {
-    std::string names;
-    for (const auto& [choice, unused] : choices) names += (names.empty() ? "" : ", ") + choice;
+    std::string names, alternatives;
+    for (const auto& [choice, unused] : choices) {
+        names += (names.empty() ? "" : ", ") + choice;
+        alternatives += (alternatives.empty() ? "" : "|") + choice;
+    }
     const std::string option = name.substr(0, name.find(','));
     command
         .add_option_function<std::string>(
@@ -83,8 +86,8 @@ void AddChoice(CLI::App& command, const std::string& name, Value& value,
                     throw CLI::ValidationError(option, "\"" + text + "\" is unknown; give one of " + names);
                 value = found->second;
             },
-            help + ": " + names)
-        ->type_name("NAME");
+            help)
+        ->type_name(alternatives);
 }
 
 void AddNumber(CLI::App& command, const std::string& name, double& value, const std::string& type,
@@ -122,6 +125,10 @@ void AddOptions(CLI::App& command, Arguments& arguments) {
         ->type_name("FILE");
     command.add_flag("--overwrite", arguments.overwrite, "Replace the file when it exists");
     command.add_flag("--json", arguments.json, "Print what was made as JSON");
+    command.footer(
+        "Examples:\n"
+        "  gpsbook simulate --base 45.65,13.76,60 --track stops --seed 7 -o site.nmea\n"
+        "  gpsbook simulate --base 45.65,13.76,60 | gpsbook convert - --crs EPSG:32633 > site.csv");
 }
 
 SimulationSummary WriteLog(const Arguments& arguments) {

@@ -1,5 +1,32 @@
 target_sources(gpsbook_lib PRIVATE
+  commands/Add.cpp
+  commands/ChangeReport.cpp
+  commands/Check.cpp
+  commands/Completion.cpp
+  commands/Compute.cpp
   commands/Convert.cpp
   commands/ConvertSummary.cpp
+  commands/Delete.cpp
+  commands/Dump.cpp
+  commands/Export.cpp
+  commands/Import.cpp
+  commands/Info.cpp
+  commands/List.cpp
+  commands/LogArguments.cpp
+  commands/Manual.cpp
+  commands/Move.cpp
+  commands/New.cpp
+  commands/Options.cpp
+  commands/Output.cpp
+  commands/Positions.cpp
+  commands/PostProc.cpp
   commands/Program.cpp
-  commands/Simulate.cpp)
+  commands/RunCommand.cpp
+  commands/Section.cpp
+  commands/Set.cpp
+  commands/Show.cpp
+  commands/Simulate.cpp
+  commands/Swap.cpp
+  commands/TableArguments.cpp
+  commands/TextTable.cpp
+  commands/Words.cpp)

@@ -1,6 +1,8 @@
 // The pages of the commands and formats say what the program does.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <nlohmann/json.hpp>
 #include <set>
 
 #include "apps/gpsbook/commands/CommandError.h"
@@ -33,14 +35,51 @@ std::set<std::string> OptionsIn(const std::string& text) {
     return options;
 }
 
+/// A page without its blocks, in which options of other commands may stand.
+std::string WithoutBlocks(const std::string& page) {
+    std::string text;
+    for (std::size_t at = 0; at < page.size();) {
+        const std::size_t begin = std::min(page.find("```", at), page.size());
+        text += page.substr(at, begin - at);
+        const std::size_t end = begin == page.size() ? begin : page.find("```", begin + 3);
+        at = end >= page.size() ? page.size() : end + 3;
+    }
+    return text;
+}
+
+/// The names of all options of a command and of those within it.
+std::set<std::string> OptionsOf(const nlohmann::json& command) {
+    std::set<std::string> options;
+    for (const nlohmann::json& option : command["options"])
+        for (const std::string name : option["names"]) options.insert(name);
+    for (const nlohmann::json& within : command["commands"]) options.merge(OptionsOf(within));
+    return options;
+}
+
+nlohmann::json Commands() {
+    const Outcome outcome = Workplace().Run({"manual", "--json"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    return nlohmann::json::parse(outcome.out)["commands"];
+}
+
+std::string LastWord(const std::string& text) { return text.substr(text.rfind(' ') + 1); }
+
 TEST(Pages, EveryOptionOfACommandIsOnItsPageAndNoOther) {
-    const Workplace place;
-    for (const std::string command : {"convert", "simulate"}) {
-        const Outcome help = place.Run({command, "--help"});
-        ASSERT_EQ(help.exitCode, 0) << help;
-        const std::string page = Page("commands/" + command + ".md");
-        EXPECT_GT(OptionsIn(help.out).size(), 10U) << help;
-        EXPECT_EQ(OptionsIn(page), OptionsIn(help.out)) << command;
+    const nlohmann::json commands = Commands();
+    ASSERT_GT(commands.size(), 3U);
+    for (const nlohmann::json& command : commands) {
+        const std::string name = LastWord(command["name"]);
+        const std::string page = Page("commands/" + name + ".md");
+        EXPECT_EQ(OptionsIn(WithoutBlocks(page)), OptionsOf(command)) << name;
+    }
+}
+
+TEST(Pages, EveryCommandIsOnTheOverview) {
+    const std::string page = Page("gpsbook.md");
+    for (const nlohmann::json& command : Commands()) {
+        const std::string name = LastWord(command["name"]);
+        EXPECT_NE(page.find("| [`gpsbook " + name + "`](commands/" + name + ".md) |"), std::string::npos)
+            << name;
     }
 }
 

@@ -26,7 +26,7 @@ TEST(Program, CommandLineThatIsNoneIsAUsageErrorAndSaysWhy) {
     const Workplace place;
     place.Put("a.nmea", "");
     const std::pair<std::vector<std::string>, const char*> rows[] = {
-        {{}, "no command is given; give convert or simulate"},
+        {{}, "no command is given; --help lists them"},
         {{"rotate"}, "rotate"},
         {{"--rotate"}, "--rotate"},
         {{"convert"}, "required"},

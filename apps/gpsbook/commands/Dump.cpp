@@ -1,0 +1,92 @@
+#include "apps/gpsbook/commands/Dump.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "apps/gpsbook/book/OpenBook.h"
+#include "apps/gpsbook/commands/Filled.h"
+#include "apps/gpsbook/commands/RunCommand.h"
+#include "apps/gpsbook/dump/FieldPrinter.h"
+#include "apps/gpsbook/dump/SectionFile.h"
+#include "apps/gpsbook/readers/FieldText.h"
+
+namespace gpsbook {
+
+namespace {
+
+struct Arguments {
+    std::string book;
+    std::string version;  // of a bare section; empty: a field book
+    bool json = false;
+};
+
+// Old versions can be looked at, though they are no longer written.
+short BareVersion(const std::string& text) {
+    int version = 0;
+    if (!ParseCount(text, version) || version < 1 || version > gpsproject::Project::kNewestVersion)
+        throw CommandError(exitUsage,
+                           fmt::format("--version: \"{}\" is no version of a stream; give a number from 1 "
+                                       "to {}",
+                                       text, gpsproject::Project::kNewestVersion));
+    return static_cast<short>(version);
+}
+
+void Run(const Arguments& a) {
+    const SectionFile section = a.version.empty() ? SectionFile::OfBook(BookFile(a.book))
+                                                  : SectionFile::Bare(a.book, BareVersion(a.version));
+    for (const gpsproject::Damage& damage : section.GetDamages())
+        std::cerr << fmt::format("{}: byte {}: {}: {}\n", section.GetInfo().file, damage.offset,
+                                 damage.section, damage.what);
+    const auto source = section.Source();
+    SectionBytes bytes(*source, section.GetInfo().offset, section.GetInfo().size);
+    FieldPrinter printer(a.json);
+    SectionDecoder decoder(bytes, section.GetInfo().version, printer);
+    std::optional<SectionDamage> damage;
+    printer.Begin(section.GetInfo());
+    try {
+        decoder.Run();
+    } catch (const SectionDamage& e) {
+        damage = e;
+    }
+    printer.End(decoder, damage);
+    if (damage)
+        throw CommandError(
+            exitRefused,
+            fmt::format("{}: byte {}: {}; {} groups and {} points are complete. Go back to the backup, "
+                        "or save with gpsbook export what can be read",
+                        section.GetInfo().file, damage->offset, damage->what, decoder.Groups(),
+                        decoder.Points()));
+    if (!section.GetDamages().empty())
+        throw CommandError(
+            exitRefused,
+            section.GetInfo().file + ": the file is damaged, though its GPS section can be read to its end");
+}
+
+void AddOptions(CLI::App& c, Arguments& a) {
+    c.add_option("BOOK", a.book, "The field book; with --version a file that is a bare section")->required();
+    c.add_option("--version", a.version, "The file is a bare section in this stream version")
+        ->type_name("V")
+        ->check(Filled());
+    c.add_flag("--json", a.json, "Print the fields as JSON");
+    c.footer(
+        "Examples:\n"
+        "  gpsbook dump site.gpsbook | less\n"
+        "  gpsbook dump site.gpsbook --json > site.json\n"
+        "  gpsbook dump section.bin --version 903");
+}
+
+}  // namespace
+
+void AddDumpCommand(CLI::App& app, int& exitCode) {
+    CLI::App* command = app.add_subcommand("dump", "Show the GPS section of a field book field by field");
+    const auto arguments = std::make_shared<Arguments>();
+    AddOptions(*command, *arguments);
+    command->callback([arguments, &exitCode] { exitCode = RunCommand("dump", [&] { Run(*arguments); }); });
+}
+
+}  // namespace gpsbook
