@@ -7,12 +7,14 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "bench/Store.h"
 #include "bench/Work.h"
 #include "bench/Workload.h"
 
@@ -88,12 +90,25 @@ void Point(const Options& o) {
     Report("book.point.free", (CpuNs() - start) / n, "ns/point");
 }
 
+void Stream(const Options& o) {
+    const auto ratios = StoreRatios();
+    for (const auto& [name, work] :
+         {std::pair{"book.write.wall", ratios[0].subject}, std::pair{"book.read.wall", ratios[1].subject}}) {
+        const auto run = work.prepare(o.count);
+        run();
+        Report(name, NsPerItem(run, 1, true) / 1e9, "s");
+    }
+    const auto bytes = static_cast<double>(std::filesystem::file_size(ScratchFile("section")));
+    Report("book.bytes_per_point", bytes / static_cast<double>(o.count), "B/point");
+}
+
 const std::vector<std::pair<std::string, std::function<void(const Options&)>>>& Cases() {
     static const std::vector<std::pair<std::string, std::function<void(const Options&)>>> cases{
         {"book.recompute", Recompute},
         {"book.position", Position},
         {"book.set_field", SetField},
-        {"book.point", Point}};
+        {"book.point", Point},
+        {"book.stream", Stream}};
     return cases;
 }
 
@@ -114,7 +129,7 @@ int RunMetrics(int argc, char** argv) {
         } else if (arg == "--count" && hasValue) {
             options.count = static_cast<std::size_t>(std::strtoull(argv[++i], nullptr, 10));
         } else if (arg == "--dir" && hasValue) {
-            ++i;  // no case here writes files yet
+            SetScratchFolder(argv[++i]);
         } else if (arg == "--cold-heap") {
             options.coldHeap = true;
         } else {

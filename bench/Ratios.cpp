@@ -11,6 +11,7 @@ namespace bench {
 namespace {
 
 constexpr int kRounds = 7;
+constexpr int kWallRounds = 3;
 
 struct Measured {
     double ratio;
@@ -26,8 +27,8 @@ Measured Measure(const Ratio& r, std::size_t n, int rounds) {
     peer();
     std::vector<double> ratios, subjects, peers;
     for (int i = 0; i < rounds; ++i) {
-        subjects.push_back(NsPerItem(subject, n));
-        peers.push_back(NsPerItem(peer, n));
+        subjects.push_back(NsPerItem(subject, n, r.wall));
+        peers.push_back(NsPerItem(peer, n, r.wall));
         ratios.push_back(subjects.back() / peers.back());
     }
     return {Median(ratios), Median(subjects), Median(peers)};
@@ -44,7 +45,7 @@ bool RunRatio(const Ratio& r, bool small) {
     const std::size_t used = small ? 1 : r.counts.size();
     for (std::size_t i = 0; i < used; ++i) {
         const std::size_t n = small ? std::min<std::size_t>(r.counts[i], 10'000) : r.counts[i];
-        const Measured m = Measure(r, n, small ? 1 : kRounds);
+        const Measured m = Measure(r, n, small ? 1 : r.wall ? kWallRounds : kRounds);
         last = m.ratio;
         if (i == 0) first = m.ratio;
         const bool holds = m.ratio <= r.bound(n) || (r.enough > 0 && m.subjectNs <= r.enough);
@@ -69,10 +70,11 @@ bool RunFigure(const Figure& f, bool small) {
     bool all = true;
     for (std::size_t i = 0; i < (small ? 1 : f.counts.size()); ++i) {
         std::vector<double> values;
-        for (int round = 0; round < (small ? 1 : 5); ++round) values.push_back(f.measure(f.counts[i]));
+        const std::size_t n = small ? std::min<std::size_t>(f.counts[i], 10'000) : f.counts[i];
+        for (int round = 0; round < (small ? 1 : 5); ++round) values.push_back(f.measure(n));
         const double value = Median(values);
         const bool holds = f.atLeast ? value >= f.bound : value <= f.bound;
-        all = Print(fmt::format("{} n={}", f.name, f.counts[i]), fmt::format("{:.3f} {}", value, f.unit),
+        all = Print(fmt::format("{} n={}", f.name, n), fmt::format("{:.3f} {}", value, f.unit),
                     fmt::format("{} {:g}", f.atLeast ? ">=" : "<=", f.bound), holds) &&
               all;
     }
@@ -87,15 +89,22 @@ double CpuNs() {
     return 1e9 * static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec);
 }
 
-double NsPerItem(const Run& run, std::size_t n) {
+double WallNs() {
+    timespec t{};
+    clock_gettime(CLOCK_MONOTONIC, &t);
+    return 1e9 * static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec);
+}
+
+double NsPerItem(const Run& run, std::size_t n, bool wall) {
+    const auto now = wall ? WallNs : CpuNs;
     constexpr double kLong = 20e6;  // ns: far above the clock's step and what a single interrupt costs
     double spent = 0;
     int calls = 0;
     while (spent < kLong) {
         if (run.before) run.before();
-        const double before = CpuNs();
+        const double before = now();
         run.run();
-        spent += CpuNs() - before;
+        spent += now() - before;
         ++calls;
     }
     return spent / calls / static_cast<double>(n);
@@ -106,12 +115,15 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-bool RunRatios(bool small) {
+bool RunRatios(bool small, const std::string& prefix) {
     bool all = true;
-    for (const auto& list : {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios()})
-        for (const Ratio& r : list) all = RunRatio(r, small) && all;
-    for (const auto& list : {MakeFigures(), NmeaFigures()})
-        for (const Figure& f : list) all = RunFigure(f, small) && all;
+    for (const auto& list : {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios(),
+                             SectionRatios(), StoreRatios(), SaveRatios()})
+        for (const Ratio& r : list)
+            if (r.name.starts_with(prefix)) all = RunRatio(r, small) && all;
+    for (const auto& list : {MakeFigures(), NmeaFigures(), LoadFigures()})
+        for (const Figure& f : list)
+            if (f.name.starts_with(prefix)) all = RunFigure(f, small) && all;
     return all;
 }
 

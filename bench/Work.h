@@ -36,6 +36,7 @@ struct Ratio {
     std::function<double(std::size_t n)> bound;  // largest ratio subject / peer; infinite: only shown
     double enough = 0;  // ns per item that are good enough whatever the peer costs; 0: none
     double growth = 0;  // largest growth of the ratio from first to last count; 0: not asked
+    bool wall = false;  // by the clock on the wall, for work that waits for a disk; three rounds
 };
 
 /// A figure with a bound of its own.
@@ -57,8 +58,11 @@ inline void Keep(const T& value) {
 /// CPU nanoseconds of this thread since it began.
 double CpuNs();
 
-/// CPU nanoseconds per item of `run`, repeated until it has taken 20 ms.
-double NsPerItem(const Run& run, std::size_t n);
+/// Nanoseconds on the wall's clock.
+double WallNs();
+
+/// CPU nanoseconds per item of `run`, or those on the wall, repeated until it has taken 20 ms.
+double NsPerItem(const Run& run, std::size_t n, bool wall = false);
 
 double Median(std::vector<double> values);
 
@@ -67,14 +71,22 @@ std::vector<Ratio> RecomputeRatios();
 std::vector<Ratio> MakeRatios();
 std::vector<Ratio> SetterRatios();
 std::vector<Ratio> PositionRatios();
+std::vector<Ratio> SectionRatios();
+std::vector<Ratio> StoreRatios();
+std::vector<Ratio> SaveRatios();
+std::vector<Figure> LoadFigures();
 std::vector<Figure> MakeFigures();
 std::vector<Figure> NmeaFigures();
 
-/// Measures everything and prints a line each: name, measured, bound, holds or not. True when all hold.
-bool RunRatios(bool small);
+/// Measures everything whose name begins with `prefix` and prints a line each: name, measured, bound, holds
+/// or not. True when all hold.
+bool RunRatios(bool small, const std::string& prefix);
 
 /// Registers everything with Google Benchmark.
 void RegisterCases();
+
+/// In a fresh process: opens a project and answers with LoadFigures' ratio on a file descriptor.
+int MeasurePeakOfLoad(const char* file, int answerTo);
 
 /// Single metrics by name, for comparison with other programs. Returns an exit status.
 int RunMetrics(int argc, char** argv);

@@ -12,6 +12,7 @@ fail() {
 # Compiles through ccache where it is there; only a first configuration looks at this.
 if [ -z "${CMAKE_CXX_COMPILER_LAUNCHER:-}" ] && command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    export CCACHE_SLOPPINESS="${CCACHE_SLOPPINESS:-pch_defines,time_macros,include_file_mtime,include_file_ctime}"
 fi
 
 # quietly LOG COMMAND...: what the command prints goes to LOG and is shown only when it fails.
