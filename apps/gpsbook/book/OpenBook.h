@@ -8,8 +8,12 @@
 
 namespace gpsbook {
 
-/// The file that is meant: as given, or with ".gpsbook" behind it when only that exists.
+/// The file that is meant: as given, or with ".gpsbook" behind it when only that, or a folder of the
+/// shorter name, exists.
 std::string BookFile(const std::string& given);
+
+/// Whether two names lead to the same file that exists.
+bool IsSameFile(const std::string& a, const std::string& b);
 
 /// The name of a new book: as given, with ".gpsbook" behind it when it has no ending.
 std::string NewBookFile(const std::string& given);

@@ -81,10 +81,11 @@ void WarnOfTwins(const CLibGps& book, const Place& added) {
 }
 
 void Print(const Arguments& a, const gpsproject::Project& project, CLibGps& book, const Place& place) {
+    const std::string otherwise = SavedButUntold(project.GetPath());
     if (!a.json) {
         PrintText(fmt::format("{} {}: added at #{}\n", place.IsPoint() ? "point" : "group",
-                              Printable(PlaceText(book, place)),
-                              place.IsPoint() ? place.point : place.group));
+                              Printable(PlaceText(book, place)), place.IsPoint() ? place.point : place.group),
+                  otherwise);
         return;
     }
     PrintJson({{"file", project.GetPath()},
@@ -92,7 +93,8 @@ void Print(const Arguments& a, const gpsproject::Project& project, CLibGps& book
                {"point", place.IsPoint() ? nlohmann::ordered_json(place.point) : nullptr},
                {"name", PlaceText(book, place)},
                {"fields", place.IsPoint() ? FieldsJson(*book.GetPunAt(place.group, place.point))
-                                          : FieldsJson(*book.GetGrpAt(place.group))}});
+                                          : FieldsJson(*book.GetGrpAt(place.group))}},
+              otherwise);
 }
 
 void Run(const Arguments& a) {

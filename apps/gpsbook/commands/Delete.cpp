@@ -68,16 +68,20 @@ void Run(const Arguments& a) {
         DeletePlaces(book, places);
         SaveBook(*project);
     }
+    const std::string otherwise =
+        a.dryRun ? "the result could not be written" : SavedButUntold(project->GetPath());
     if (a.json)
         PrintJson({{"file", project->GetPath()},
                    {"saved", !a.dryRun},
                    {"groups", result.groups},
                    {"points", result.points},
-                   {"deleted", result.items}});
+                   {"deleted", result.items}},
+                  otherwise);
     else
         PrintText(fmt::format("{}{}: {} and {}\n", result.lines,
                               a.dryRun ? "would be deleted (--dry-run)" : "deleted",
-                              Counted(result.groups, "group"), Counted(result.points, "point")));
+                              Counted(result.groups, "group"), Counted(result.points, "point")),
+                  otherwise);
 }
 
 }  // namespace

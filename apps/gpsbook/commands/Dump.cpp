@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "apps/gpsbook/book/OpenBook.h"
 #include "apps/gpsbook/commands/Filled.h"
@@ -36,10 +37,24 @@ short BareVersion(const std::string& text) {
     return static_cast<short>(version);
 }
 
+// All that opening the book finds, checksums of the content included: damage that leaves the section in step
+// shows in none of its fields.
+std::vector<gpsproject::Damage> DamagesOf(const Arguments& a, const SectionFile& section) {
+    std::vector<gpsproject::Damage> damages = section.GetDamages();
+    if (!a.version.empty()) return damages;
+    try {
+        const auto project = gpsproject::Project::Open(BookFile(a.book), gpsproject::Project::Mode::read);
+        if (project->GetReport().IsDamaged()) damages = project->GetReport().damages;
+    } catch (const gpsproject::ProjectError&) {  // what the section itself tells is all there is
+    }
+    return damages;
+}
+
 void Run(const Arguments& a) {
     const SectionFile section = a.version.empty() ? SectionFile::OfBook(BookFile(a.book))
                                                   : SectionFile::Bare(a.book, BareVersion(a.version));
-    for (const gpsproject::Damage& damage : section.GetDamages())
+    const std::vector<gpsproject::Damage> damages = DamagesOf(a, section);
+    for (const gpsproject::Damage& damage : damages)
         std::cerr << fmt::format("{}: byte {}: {}: {}\n", section.GetInfo().file, damage.offset,
                                  damage.section, damage.what);
     const auto source = section.Source();
@@ -61,7 +76,7 @@ void Run(const Arguments& a) {
                         "or save with gpsbook export what can be read",
                         section.GetInfo().file, damage->offset, damage->what, decoder.Groups(),
                         decoder.Points()));
-    if (!section.GetDamages().empty())
+    if (!damages.empty())
         throw CommandError(
             exitRefused,
             section.GetInfo().file + ": the file is damaged, though its GPS section can be read to its end");

@@ -116,6 +116,9 @@ void Run(const Arguments& a) {
     const TableFormat format = FormatFrom(a.table);
     if (a.json && a.table.output == "-")
         Usage("--json", "would be mixed with the table on standard output; give a file with -o");
+    if (a.table.output != "-" && IsSameFile(a.table.output, BookFile(a.book)))
+        Usage("--output", "\"" + a.table.output +
+                              "\" is the field book itself, which no table replaces; give another name");
     const auto project = OpenToRead(a.book);
     const CLibGps& book = project->GetBook();
     const std::vector<int> groups = GroupsOf(a, book);

@@ -104,19 +104,22 @@ Result Apply(CLibGps& book, const Arguments& a) {
 }
 
 void Print(const Arguments& a, const std::string& file, const CLibGps& book, const Result& r) {
+    const std::string otherwise = SavedButUntold(file);
     if (a.json) {
         PrintJson({{"file", file},
                    {"moved", r.moved},
                    {"group", r.group >= 0 ? nlohmann::ordered_json(r.group) : nullptr},
                    {"first", r.first},
-                   {"new_points", r.copied}});
+                   {"new_points", r.copied}},
+                  otherwise);
         return;
     }
     const bool points = r.group >= 0;
     std::string text = Counted(r.moved, points ? "point" : "group") + " moved";
     if (points) text += " in group " + Printable(PlaceText(book, {r.group, -1}));
-    PrintText(fmt::format("{}, {} #{}{}\n", text, r.moved == 1 ? "to" : "from", r.first,
-                          r.moved == 1 ? "" : " on"));
+    PrintText(
+        fmt::format("{}, {} #{}{}\n", text, r.moved == 1 ? "to" : "from", r.first, r.moved == 1 ? "" : " on"),
+        otherwise);
 }
 
 void Run(const Arguments& a) {

@@ -17,4 +17,8 @@ void PrintJson(const nlohmann::ordered_json& value, const std::string& otherwise
     PrintText(value.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n', otherwise);
 }
 
+std::string SavedButUntold(const std::string& file) {
+    return "the result could not be written, " + file + " is saved";
+}
+
 }  // namespace gpsbook

@@ -15,4 +15,7 @@ void PrintText(std::string_view text, const std::string& otherwise = "the result
 void PrintJson(const nlohmann::ordered_json& value,
                const std::string& otherwise = "the result could not be written");
 
+/// What it means when the result of a command that has saved its book could not be written.
+std::string SavedButUntold(const std::string& file);
+
 }  // namespace gpsbook

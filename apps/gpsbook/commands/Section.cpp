@@ -101,6 +101,10 @@ void Read(Arguments& a) {
     // Groups to come get the system of the first one that has such a name.
     if (!crs.empty()) project.GetSettings()[kSettingCrs] = crs;
     a.book = NewBookFile(a.book);
+    if (IsSameFile(a.file, a.book))
+        throw CommandError(exitUsage, "BOOK: \"" + a.book +
+                                          "\" is the section itself, which the book would replace; give "
+                                          "another name");
     project.SaveAs(a.book, a.overwrite);
     Tell(a, a.book, "new field book", book, version, {});
 }

@@ -66,13 +66,16 @@ Result Apply(CLibGps& book, const std::vector<Place>& places, const std::vector<
 }
 
 void Print(const Arguments& a, const std::string& file, const Result& result) {
+    const bool saved = !a.dryRun && !result.items.empty();
+    const std::string otherwise = saved ? SavedButUntold(file) : "the result could not be written";
     if (a.json) {
         PrintJson({{"file", file},
-                   {"saved", !a.dryRun && !result.items.empty()},
+                   {"saved", saved},
                    {"asked", result.asked},
                    {"changed", ChangesJson(result.items)},
                    {"points_refreshed", result.pointsRefreshed},
-                   {"plane_left", result.planeLeft}});
+                   {"plane_left", result.planeLeft}},
+                  otherwise);
         return;
     }
     std::string text = ChangesText(result.items);
@@ -81,7 +84,7 @@ void Print(const Arguments& a, const std::string& file, const Result& result) {
         text +=
             fmt::format("plane coordinates of {} computed anew\n", Counted(result.pointsRefreshed, "point"));
     if (a.dryRun) text += "not saved (--dry-run)\n";
-    PrintText(text);
+    PrintText(text, otherwise);
 }
 
 void Run(const Arguments& a) {

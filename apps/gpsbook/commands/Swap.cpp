@@ -47,11 +47,13 @@ void Run(const Arguments& a) {
     const std::string names = PlaceText(book, first) + " and " + PlaceText(book, second);
     Exchange(book, first, second);
     SaveBook(*project);
+    const std::string otherwise = SavedButUntold(project->GetPath());
     if (a.json)  // what stands where now
         PrintJson(
-            {{"file", project->GetPath()}, {"swapped", {PlaceJson(book, first), PlaceJson(book, second)}}});
+            {{"file", project->GetPath()}, {"swapped", {PlaceJson(book, first), PlaceJson(book, second)}}},
+            otherwise);
     else
-        PrintText(Printable(names) + " have changed places\n");
+        PrintText(Printable(names) + " have changed places\n", otherwise);
 }
 
 }  // namespace

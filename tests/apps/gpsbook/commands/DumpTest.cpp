@@ -127,6 +127,20 @@ TEST(Dump, DamagedBookIsShownAsFarAsItGoes) {
     }
 }
 
+TEST(Dump, DamageThatLeavesTheSectionInStepIsTold) {
+    const Site site;
+    std::string bytes = site.Bytes();
+    const std::size_t at = bytes.rfind("P1");
+    ASSERT_NE(at, std::string::npos);
+    bytes[at] = 'Q';
+    bytes[at + 1] = 'Z';
+    site.Put("changed.gpsbook", bytes);
+    const Outcome outcome = site.Run({"dump", "changed.gpsbook"});
+    EXPECT_EQ(outcome.exitCode, 4) << outcome;
+    EXPECT_NE(outcome.err.find("gps"), std::string::npos) << outcome;
+    EXPECT_NE(outcome.out.find("Quay"), std::string::npos) << outcome;
+}
+
 TEST(Dump, NumbersThatAreNoneAreTextsInJson) {
     const Site site([](gpsproject::Project& project) {
         project.GetBook().GetPunAt(0, 0)->SetPdop(std::bit_cast<double>(0x7FF8000000000000ULL));

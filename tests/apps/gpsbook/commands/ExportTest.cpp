@@ -31,6 +31,14 @@ TEST(Export, WholeBookGoesToStandardOutputAsCsv) {
     EXPECT_EQ(outcome.err, "warning: without plane coordinates: 2 points; gpsbook compute makes them\n");
 }
 
+TEST(Export, BookIsNeverReplacedByItsTable) {
+    const Site site;
+    site.ExpectRefused({"export", "site.gpsbook", "-o", "site.gpsbook", "-f", "csv", "--overwrite"}, 2,
+                       "itself");
+    std::filesystem::create_symlink(site.Book(), site.Path("table.csv"));
+    site.ExpectRefused({"export", "site.gpsbook", "-o", "table.csv", "--overwrite"}, 2, "itself");
+}
+
 TEST(Export, GroupsAreChosenByNameOrPosition) {
     const Site site;
     EXPECT_EQ(Names(site.Run({"export", "site.gpsbook", "Pier"}).out), "Pier/A Pier/B");

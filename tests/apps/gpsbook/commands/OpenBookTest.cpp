@@ -1,6 +1,8 @@
 // Books that are damaged, locked, missing or none: what every command says of them.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/apps/gpsbook/commands/Site.h"
 
 namespace gpsbook::test {
@@ -78,8 +80,10 @@ TEST(OpenBook, DamagedBookIsReadAsFarAsItGoesAndSaysSo) {
 TEST(OpenBook, DamagedBookIsNeverWrittenOver) {
     const Site site;
     Damage(site);
-    for (const Arguments& arguments : Writers())
+    for (const Arguments& arguments : Writers()) {
         site.ExpectRefused(arguments, 4, "damaged, and not written over; gpsbook check tells more");
+        for (const std::string& line : LinesOf(site.Run(arguments).err)) EXPECT_FALSE(line.empty());
+    }
 }
 
 TEST(OpenBook, BookThatAnotherProgramWritesIsAConflict) {
@@ -109,11 +113,20 @@ TEST(OpenBook, EndingCanBeLeftAway) {
     EXPECT_EQ(site.Run({"list", "site"}).exitCode, 4) << "a file of the very name is meant first";
 }
 
+TEST(OpenBook, FolderOfTheShorterNameDoesNotHideTheBook) {
+    const Site site;
+    std::filesystem::create_directory(site.Path("site"));
+    EXPECT_EQ(site.Run({"set", "site", "Quay/P1", "code=X"}).exitCode, 0);
+    EXPECT_EQ(site.Field("Quay/P1", "code"), "X");
+}
+
 TEST(OpenBook, WhatTheVersionOfTheBookHasNoPlaceForIsTold) {
     const Site site([](gpsproject::Project& p) { p.SetStreamVersion(902); });
     const Outcome outcome = site.Run({"set", "site.gpsbook", "Quay/P1", "secondary_duplicate=yes"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome;
-    EXPECT_NE(outcome.err.find("note: "), std::string::npos) << outcome;
+    EXPECT_NE(outcome.err.find("site.gpsbook: not kept, version 902 has no place for it: "),
+              std::string::npos)
+        << outcome;
 }
 
 TEST(OpenBook, ResultThatCannotBePrintedIsAFailure) {
@@ -124,6 +137,20 @@ TEST(OpenBook, ResultThatCannotBePrintedIsAFailure) {
         const Outcome outcome = site.Run(arguments, full);
         EXPECT_EQ(outcome.exitCode, 1) << outcome;
         EXPECT_NE(outcome.err.find("standard output"), std::string::npos) << outcome;
+        EXPECT_EQ(outcome.err.find("is saved"), std::string::npos) << outcome;
+    }
+}
+
+TEST(OpenBook, ChangeWhoseResultCannotBePrintedIsSavedAndSaysSo) {
+    Surroundings full;
+    full.outputTo = "/dev/full";
+    for (const Arguments& arguments : Writers()) {
+        const Site site;
+        const std::string before = site.Bytes();
+        const Outcome outcome = site.Run(arguments, full);
+        EXPECT_EQ(outcome.exitCode, 1) << outcome;
+        EXPECT_NE(outcome.err.find("site.gpsbook is saved"), std::string::npos) << outcome;
+        EXPECT_FALSE(site.Bytes() == before) << arguments[0];
     }
 }
 
