@@ -15,8 +15,8 @@
 
 namespace {
 
-// Nearly every group or point record is longer than this. A count beyond what the stream can hold is damage: it must
-// not reserve room for records that never come.
+// Nearly every group or point record is longer than this. A count beyond what the stream can hold is damage:
+// it must not reserve room for records that never come.
 constexpr std::int64_t kShortestRecord = 64;
 
 int RoomFor(const ifpstream& in, int count) {

@@ -39,6 +39,9 @@ public:
         share       // for reading and writing, created when it is not there
     };
 
+    FileOperations() = default;
+    FileOperations(const FileOperations&) = delete;
+    FileOperations& operator=(const FileOperations&) = delete;
     virtual ~FileOperations();
 
     /// The real file system.

@@ -17,18 +17,19 @@ public:
     // Nothing is thrown: a stream passes its last bytes on in its destructor.
     int Write(const void* bytes, std::size_t size) override {
         try {
-            checks.Add(bytes, size);
+            checks_.Add(bytes, size);
         } catch (const std::bad_alloc&) {
             return ENOMEM;
         }
         return files_.Write(file_, bytes, size);
     }
 
-    BlockChecks checks;
+    BlockChecks& GetChecks() { return checks_; }
 
 private:
     FileOperations& files_;
     int file_;
+    BlockChecks checks_;
 };
 
 }  // namespace gpsproject

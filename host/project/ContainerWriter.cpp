@@ -27,11 +27,11 @@ int ContainerWriter::Section(const std::string& name, short version, std::int64_
         write(out);
         if (!out.Close()) return out.GetError();
     }
-    entry.length = sink.checks.GetLength();
-    entry.crc = sink.checks.GetCrc();
+    entry.length = sink.GetChecks().GetLength();
+    entry.crc = sink.GetChecks().GetCrc();
     size_ += entry.length;
 
-    const std::string blocks = BlockList(sink.checks.TakeBlocks());
+    const std::string blocks = BlockList(sink.GetChecks().TakeBlocks());
     if (const int error = Put(SectionEndBytes({entry.length, entry.crc, Crc(blocks)}))) return error;
     if (const int error = Put(blocks)) return error;
     entries_.push_back(entry);

@@ -23,23 +23,27 @@ public:
         : in_(in), begin_(contentBegin), certain_(certain), damages_(damages), first_(first) {}
 
     void Record(const SectionRecord& record) override {
-        const bool fails = failedEnd < 0 && !in_.IsOk();
-        if (fails) failedEnd = record.end;
+        const bool fails = failedEnd_ < 0 && !in_.IsOk();
+        if (fails) failedEnd_ = record.end;
         for (std::size_t i = first_; i < damages_.size(); ++i) {
             const std::int64_t at = damages_[i].offset - begin_;
             const bool here = at >= record.begin && at < record.end;
             if ((here || (fails && at == in_.GetFailPosition())) && damages_[i].record.empty())
                 damages_[i].record = record.Text();
         }
-        if (record.end > certain_ || failedEnd >= 0) certain_ = -1;
+        if (record.end > certain_ || failedEnd_ >= 0) certain_ = -1;
         if (certain_ < 0 || record.group < 0) return;
-        groups = record.group + 1;
-        points = record.point + 1;
+        groups_ = record.group + 1;
+        points_ = record.point + 1;
     }
 
-    int groups = 0;
-    int points = 0;               // of the last of them
-    std::int64_t failedEnd = -1;  // where the record ends in which a read failed
+    int GetGroups() const { return groups_; }
+
+    /// Of the last of these groups.
+    int GetPoints() const { return points_; }
+
+    /// Where the record ends in which a read failed; -1: none did.
+    std::int64_t GetFailedEnd() const { return failedEnd_; }
 
 private:
     const ifpstream& in_;
@@ -47,6 +51,9 @@ private:
     std::int64_t certain_;
     std::vector<Damage>& damages_;
     std::size_t first_;
+    int groups_ = 0;
+    int points_ = 0;
+    std::int64_t failedEnd_ = -1;
 };
 
 void KeepOnly(CLibGps& book, int groups, int points) {
@@ -131,9 +138,9 @@ void Reading::Place(std::size_t firstDamage) {
     } catch (const StreamExhausted&) {  // all that is there has been told
     }
     // A record that failed inside of its own bounds leaves those behind it in step.
-    const bool onlyInside = inStep_ && places.failedEnd < section_.entry.length;
+    const bool onlyInside = inStep_ && places.GetFailedEnd() < section_.entry.length;
     if ((certain_ == kEverything && !failed_) || onlyInside) return;
-    KeepOnly(book_, places.groups, places.points);
+    KeepOnly(book_, places.GetGroups(), places.GetPoints());
     const std::int64_t lost = section_.entry.items - CountItems(book_);
     if (lost > 0)
         report_.damages.push_back({section_.entry.name, "", -1,

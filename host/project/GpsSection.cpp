@@ -35,9 +35,10 @@ void WriteTo(Project& project, SafeReplace& pending, const std::string& file, sh
         if (!out.Close()) throw SystemError(file, "cannot be written", out.GetError());
     }
     pending.Sync();
-    const SectionEntry entry{std::string(kGpsSection), version, CountItems(book), 0, sink.checks.GetLength(),
-                             sink.checks.GetCrc()};
-    if (!ReadsBack(files, pending.GetFile(), {entry, true, sink.checks.TakeBlocks()}))
+    const SectionEntry entry{
+        std::string(kGpsSection), version, CountItems(book), 0, sink.GetChecks().GetLength(),
+        sink.GetChecks().GetCrc()};
+    if (!ReadsBack(files, pending.GetFile(), {entry, true, sink.GetChecks().TakeBlocks()}))
         throw SystemError(file, "cannot be written; what was written reads back differently", EIO);
 }
 

@@ -13,8 +13,9 @@ inline constexpr const char* kBackupEnding = ".bak";
 inline constexpr const char* kSavingEnding = ".saving";
 
 /// A new file beside the target. It is written and synced under another name; then the former file gets its
-/// backup name as a second one, the new file takes its name in one step, and the folder is synced. There is
-/// no moment without a complete file. Without Place the new file is removed.
+/// backup name as a second one (or is copied, on a file system where a file has one name), the new file takes
+/// its name in one step, and the folder is synced. There is no moment without a complete file. Without Place
+/// the new file is removed.
 ///
 /// Requires: the caller holds the lock of the target. What an interrupted save left is removed first.
 /// Errors: ProjectError (system, exists), and the files are as they were.
@@ -39,11 +40,10 @@ public:
     int Place();
 
 private:
-    void Remove(const std::string& path);
     void PlaceNew();
     void PlaceOver();
-    void PlaceOverByRenames();
-    bool LinkBackup();
+    void KeepBackup();
+    int CopyBackup();
 
     FileOperations& files_;
     std::string target_;

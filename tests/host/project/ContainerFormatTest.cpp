@@ -14,7 +14,7 @@
 namespace {
 
 using namespace gpsproject;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 /// A line of the example: its address, and the bytes behind it.
 struct Line {

@@ -137,8 +137,7 @@ TEST(Container, NewerFormatIsRefusedByName) {
     std::string bytes = FileOf(kTwo);
     bytes[18] = 2;  // needed version
     const std::uint32_t crc = Crc(bytes.substr(0, 20));
-    for (int i = 0; i < 4; ++i)
-        bytes[static_cast<std::size_t>(20 + i)] = static_cast<char>(crc >> (8 * i) & 0xFF);
+    for (std::size_t i = 0; i < 4; ++i) bytes[20 + i] = static_cast<char>(crc >> (8 * i) & 0xFF);
     std::string message;
     EXPECT_EQ(KindOf([&] { Found{bytes}; }, &message), Kind::tooNew);
     EXPECT_NE(message.find("version 2"), std::string::npos) << message;
@@ -148,8 +147,7 @@ TEST(Container, NewerFormatThatCanBeReadIsRead) {
     std::string bytes = FileOf(kTwo);
     bytes[16] = 2;  // version that was written
     const std::uint32_t crc = Crc(bytes.substr(0, 20));
-    for (int i = 0; i < 4; ++i)
-        bytes[static_cast<std::size_t>(20 + i)] = static_cast<char>(crc >> (8 * i) & 0xFF);
+    for (std::size_t i = 0; i < 4; ++i) bytes[20 + i] = static_cast<char>(crc >> (8 * i) & 0xFF);
     EXPECT_EQ(Found(bytes).Damages(), "");
 }
 

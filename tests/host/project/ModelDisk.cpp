@@ -90,6 +90,13 @@ void ModelDisk::Put(const std::string& path, const std::string& bytes) {
     SyncAll();
 }
 
+void ModelDisk::Damage(const std::string& path, std::size_t bit) {
+    Node& node = *names_.at(path);
+    node.bytes[bit / 8] = static_cast<char>(node.bytes[bit / 8] ^ (1 << (bit % 8)));
+    node.synced = node.bytes;
+    node.changes.clear();
+}
+
 std::string ModelDisk::Bytes(const std::string& path) const {
     const auto found = names_.find(path);
     return found == names_.end() ? "(no file)" : found->second->bytes;

@@ -43,6 +43,8 @@ public:
     void SyncAll();
 
     void Put(const std::string& path, const std::string& bytes);
+    /// Turns a bit of a file, on the disk and for programs, without a trace.
+    void Damage(const std::string& path, std::size_t bit);
     bool Has(const std::string& path) const { return names_.contains(path); }
     std::string Bytes(const std::string& path) const;
     std::vector<std::string> Names() const;

@@ -575,6 +575,46 @@ TEST(Project, AnyOperationOfASaveMayFail) {
     }
 }
 
+// A disk that says that all is written, and gives other bytes: whichever it is, the old file stays.
+TEST(Project, BytesThatReadBackDifferentlyAreNotPlaced) {
+    test::ModelDisk disk;
+    Project project(1400, disk);
+    test::Fill(project, 1, 1, 2);
+    project.SaveAs("/d/book", false);
+    const std::string old = disk.Bytes("/d/book");
+    test::Fill(project, 2, 1, 2);
+    for (std::size_t bit = 0; bit < 8 * old.size() && !HasFailure(); ++bit) {
+        disk.SetFault([&](long, const std::string& what) {
+            if (what == "sync") disk.Damage("/d/book.saving", bit);
+            return 0;
+        });
+        std::string message;
+        ASSERT_EQ(KindOf([&] { project.Save(); }, &message), Kind::system) << bit;
+        ASSERT_NE(message.find("reads back differently"), std::string::npos) << message;
+        ASSERT_TRUE(disk.Bytes("/d/book") == old) << bit;
+        ASSERT_FALSE(disk.Has("/d/book.saving")) << bit;
+    }
+}
+
+TEST(Project, FileThatGotShorterOrLongerMeanwhileIsNotPlaced) {
+    test::ModelDisk disk;
+    Project project(1400, disk);
+    project.SaveAs("/d/book", false);
+    for (const std::int64_t change : {-1, 1}) {
+        disk.SetFault([&](long, const std::string& what) {
+            if (what != "sync") return 0;
+            int file = -1;
+            FileOperations::Facts facts;
+            disk.Open("/d/book.saving", FileOperations::How::share, 0, file);
+            disk.GetFacts(file, facts);
+            disk.Truncate(file, facts.size + change);
+            disk.Close(file);
+            return 0;
+        });
+        EXPECT_EQ(KindOf([&] { project.Save(); }), Kind::system);
+    }
+}
+
 TEST(Project, AnyOperationOfAnOpeningMayFail) {
     test::ModelDisk disk;
     {

@@ -133,6 +133,21 @@ TEST(SafeReplace, WorksWhereFilesHaveOneNameOnly) {
     EXPECT_EQ(disk.Names(), (test::Names{"/d/book", "/d/book.bak"}));
 }
 
+// At every operation of a save: the file is there, and it is the old one or the new one.
+TEST(SafeReplace, ThereIsACompleteFileAtEveryMoment) {
+    for (const bool links : {true, false}) {
+        ModelDisk disk;
+        disk.SetLinks(links);
+        Replace(disk, "/d/book", "one");
+        disk.SetFault([&](long number, const std::string& what) {
+            const std::string bytes = disk.Bytes("/d/book");
+            EXPECT_TRUE(bytes == "one" || bytes == "two") << bytes << " before " << number << ", " << what;
+            return 0;
+        });
+        Replace(disk, "/d/book", "two");
+    }
+}
+
 // Every single operation fails in turn: the former file is there, under its own name or as backup, and
 // whoever is told "done" finds the new one.
 TEST(SafeReplace, AnyOperationMayFail) {

@@ -13,7 +13,7 @@ int main(int count, char** arguments) {
             std::cerr << arguments[1] << ": " << project->GetReport().Text();
             return 3;
         }
-        test::Fill(*project, std::atoi(arguments[2]));
+        test::Fill(*project, static_cast<int>(std::strtol(arguments[2], nullptr, 10)));
         project->Save();
     } catch (const gpsproject::ProjectError& e) {
         std::cerr << e.what() << '\n';

@@ -18,7 +18,7 @@ namespace {
 
 int NumberOf(const char* name, int otherwise) {
     const char* const text = std::getenv(name);
-    return text ? std::atoi(text) : otherwise;
+    return text ? static_cast<int>(std::strtol(text, nullptr, 10)) : otherwise;
 }
 
 template <class Function>
@@ -61,6 +61,8 @@ int Call(bool isWatched, const char* name, Arguments... arguments) {
 
 }  // namespace
 
+// The system's headers have names for the parameters that no program may use.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 int open(const char* path, int flags, ...) {
@@ -144,3 +146,4 @@ char* realpath(const char* path, char* resolved) noexcept {
 }
 
 }  // extern "C"
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

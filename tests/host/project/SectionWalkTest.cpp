@@ -51,7 +51,7 @@ TEST_P(SectionWalk, RecordsFollowOneAnotherToTheEnd) {
                                       "group 1, point 0",
                                       "group 1, point 1",
                                       "group 1, point 2"};
-    if (version >= 1002) expected.push_back("post-processing options");
+    if (version >= 1002) expected.emplace_back("post-processing options");
     EXPECT_EQ(names, expected);
 }
 
