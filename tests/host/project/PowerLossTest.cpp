@@ -107,6 +107,8 @@ TEST_P(PowerLoss, LeavesTheOldBookOrTheNewOne) {
         const bool isNew = !next.empty() && found == next;
         ASSERT_TRUE(found == old || isNew) << "case " << i;
         ASSERT_TRUE(isNew || !saved) << "case " << i << ": what Save has promised";
+        ASSERT_TRUE(start.contents.contains(Opened(*after, kBackup)))
+            << "case " << i << ": the backup is whole";
         asNew += isNew ? 1 : 0;
 
         const auto third = ChangeAndSave(*after, 3, static_cast<long>(random()) % (operations + 10), saved);
