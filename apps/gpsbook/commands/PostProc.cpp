@@ -35,6 +35,16 @@ struct Arguments {
     bool json = false;
 };
 
+// A list that the next save would not keep is not begun.
+void NeedPlaceFor(const gpsproject::Project& project) {
+    constexpr short kFirst = 1002;
+    if (project.GetStreamVersion() < kFirst)
+        throw CommandError(
+            exitRefused, fmt::format("{}: its stream version {} has no place for lists of observation files, "
+                                     "which came with {}; write its section and read it into a newer book",
+                                     project.GetPath(), project.GetStreamVersion(), kFirst));
+}
+
 const char* KindOf(bool base) { return base ? "base" : "rover"; }
 
 std::vector<ObservationFile>& ListOf(COpzPostProc& options, bool base) {
@@ -127,6 +137,7 @@ void SaveAndTell(const Arguments& a, gpsproject::Project& project, const std::st
 
 void Scan(const Arguments& a) {
     const auto project = OpenToWrite(a.book);
+    NeedPlaceFor(*project);
     COpzPostProc& options = *project->GetBook().GetOpzPostProc();
     const int before = options.GetNumPtBaseLineDett();
     const bool known = options.bDettScanned;
@@ -166,6 +177,7 @@ int IndexOf(COpzPostProc& options, bool base, const std::string& file) {
 
 void Add(const Arguments& a) {
     const auto project = OpenToWrite(a.book);
+    NeedPlaceFor(*project);
     COpzPostProc& options = *project->GetBook().GetOpzPostProc();
     for (const std::string& file : a.files) {
         if (!FEsisteIlFile(file.c_str()))
@@ -202,6 +214,7 @@ int Position(COpzPostProc& options, bool base, const std::string& text) {
 
 void Remove(const Arguments& a) {
     const auto project = OpenToWrite(a.book);
+    NeedPlaceFor(*project);
     COpzPostProc& options = *project->GetBook().GetOpzPostProc();
     std::vector<int> positions;
     for (const std::string& file : a.files) positions.push_back(Position(options, a.base, file));

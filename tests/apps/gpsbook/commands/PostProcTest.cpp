@@ -51,6 +51,17 @@ TEST(PostProc, ScanThatFindsNothingSaysSoAndChangesNothing) {
     EXPECT_TRUE(site.Bytes() == bytes);
 }
 
+TEST(PostProc, BookOfAVersionWithoutPlaceForListsIsLeftAlone) {
+    const Site old([](gpsproject::Project& project) { project.SetStreamVersion(1001); });
+    old.Put("a.tps", "x");
+    for (const char* const action : {"add", "remove"})
+        old.ExpectRefused({"postproc", action, "site.gpsbook", "a.tps"}, 4, "1001");
+    old.ExpectRefused({"postproc", "scan", "site.gpsbook"}, 4, "1001");
+    const Site first([](gpsproject::Project& project) { project.SetStreamVersion(1002); });
+    first.Put("a.tps", "x");
+    EXPECT_EQ(first.Run({"postproc", "add", "site.gpsbook", "a.tps"}).exitCode, 0);
+}
+
 TEST(PostProc, FilesThatAreKnownAreNotLookedForAgainUnlessAsked) {
     const Site site;
     fs::create_directory(site.Path("site"));
