@@ -1,40 +1,15 @@
 // CLibGps: the field-book record of the project stream.
-#include <algorithm>
-#include <memory>
-#include <new>
-
 #include "gps/model/CLibGps.h"
 #include "gps/options/COpzPostProc.h"
 #include "gps/persist/MovedUsage.h"
+#include "gps/persist/OrNull.h"
+#include "gps/persist/RoomFor.h"
 #include "gps/persist/StreamVersions.h"
 #include "platform/base/ifpstream.h"
 #include "platform/base/ofpstream.h"
 #include "platform/base/savedPointers.h"
 #include "platform/cad/CDrawingsMapper.h"
 #include "platform/coord/CLibMap.h"
-
-namespace {
-
-// Nearly every group or point record is longer than this. A count beyond what the stream can hold is damage:
-// it must not reserve room for records that never come.
-constexpr std::int64_t kShortestRecord = 64;
-
-int RoomFor(const ifpstream& in, int count) {
-    const std::int64_t most = std::max<std::int64_t>(in.GetRemaining(), 0) / kShortestRecord;
-    return static_cast<int>(std::min<std::int64_t>(count, most));
-}
-
-// A group or point that cannot be made is null: the reader goes on without it.
-template <class Make>
-auto OrNull(Make make) -> decltype(make()) {
-    try {
-        return make();
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
-
-}  // namespace
 
 void CLibGps::SalvaInFile(ofpstream& out, short version, const char* file, CSymbolUsedTracer* tracer,
                           vex::CPtr64Mapper* mapper) {

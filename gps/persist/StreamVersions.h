@@ -12,3 +12,4 @@ inline constexpr short kVerSenzaGeocentriche = 1003;  // points without geocentr
 inline constexpr short kVerDisegni = 1004;            // drawing references; the map library is elsewhere
 inline constexpr short kVerRiserve = 1106;            // reserved values
 inline constexpr short kVerDispositivo = 1311;        // creator device of groups
+inline constexpr short kVerCorrente = 1400;           // of journal entries and exchange files

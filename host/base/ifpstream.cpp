@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/base/FileEnds.h"
+#include "platform/base/ofpstream.h"
 
 namespace {
 
@@ -33,6 +34,13 @@ ifpstream::ifpstream(StreamSource& source, std::int64_t size, short version)
     : size_(size), whole_(size), source_(&source), version_(version) {}
 
 ifpstream::~ifpstream() = default;
+
+void ifpstream::ReadMarker() {
+    unsigned char marker[5];
+    const bool there = ReadBytes(marker, sizeof marker);
+    headerFlag_ = there && marker[0] != kFileMarker[0];
+    knownMarker_ = there && std::memcmp(marker + 1, kFileMarker + 1, sizeof marker - 1) == 0;
+}
 
 bool ifpstream::ReadBytes(void* bytes, std::size_t size) {
     const std::int64_t begin = GetPosition();

@@ -19,6 +19,11 @@ ofpstream::ofpstream(const char* file, short version) : version_(version) {
     sink_ = ownSink_.get();
 }
 
+ofpstream::ofpstream(const char* file, short version, const char* signature) : ofpstream(file, version) {
+    signature_ = signature;
+    WriteBytes(kFileMarker, sizeof kFileMarker);
+}
+
 ofpstream::ofpstream(StreamSink& sink, short version) : sink_(&sink), version_(version) {}
 
 ofpstream::~ofpstream() { Close(); }

@@ -46,6 +46,17 @@ public:
     short GetVersion() const { return version_; }
     void SetVersion(short version) { version_ = version; }
 
+    /// Reads the 5 bytes that a file with a signature, or a journal, begins with.
+    void ReadMarker();
+
+    /// Whether the first of them was there and is not ':'. Entries of a journal are applied to a field book
+    /// only from a stream with this flag. False until the marker has been read, or the flag set.
+    bool GetHeaderFlag() const { return headerFlag_; }
+    void SetHeaderFlag(bool flag) { headerFlag_ = flag; }
+
+    /// Whether the four bytes behind it were 01 01 00 00.
+    bool HasKnownMarker() const { return knownMarker_; }
+
     /// True while every read found its bytes.
     bool IsOk() const { return failedAt_ < 0; }
 
@@ -150,4 +161,6 @@ private:
     int error_ = 0;
     int pastEndLeft_ = -1;
     short version_;
+    bool headerFlag_ = false;
+    bool knownMarker_ = false;
 };

@@ -14,6 +14,9 @@
 #include "platform/base/StreamEnds.h"
 #include "platform/base/streams.h"
 
+/// The first bytes of a file with a signature.
+inline constexpr unsigned char kFileMarker[5] = {':', 1, 1, 0, 0};
+
 /// Writes values one after another, without gaps, least significant byte first whatever the machine.
 /// It carries the version of the file that it belongs to; who writes decides by it which fields there are.
 ///
@@ -27,6 +30,10 @@ public:
     /// opened the stream has failed from the beginning. Not atomic: a project is saved by other means.
     ofpstream(const char* file, short version);
 
+    /// The same, for a kind of file that others must recognise: it begins with the 5 bytes of kFileMarker.
+    /// The signature is only kept (GetSignature): where it stands is the format's business.
+    ofpstream(const char* file, short version, const char* signature);
+
     /// Into a sink, which must outlive the stream.
     ofpstream(StreamSink& sink, short version);
 
@@ -38,6 +45,9 @@ public:
 
     short GetVersion() const { return version_; }
     void SetVersion(short version) { version_ = version; }
+
+    /// Empty for a stream that was made without one.
+    const std::string& GetSignature() const { return signature_; }
 
     /// False once a byte could not be written.
     bool IsOk() const { return error_ == 0; }
@@ -56,6 +66,9 @@ public:
 
     /// What was written into memory so far; empty for any other stream. Valid until the next write.
     std::string_view GetBytes() const;
+
+    /// Forgets what was written into memory and keeps its room; for no other stream.
+    void Clear() { cur_ = begin_; }
 
     void WriteChar(char value) { Put(static_cast<std::uint8_t>(value)); }
     void WriteUChar(unsigned char value) { Put(value); }
@@ -109,6 +122,7 @@ private:
     unsigned char* end_ = nullptr;
     std::int64_t before_ = 0;  // bytes passed on
     std::unique_ptr<unsigned char[]> window_;
+    std::string signature_;
     std::unique_ptr<StreamSink> ownSink_;
     StreamSink* sink_ = nullptr;  // null: memory
     int error_ = 0;
