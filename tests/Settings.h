@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,7 +30,8 @@ public:
     Settings& operator=(const Settings&) = delete;
 
     const std::string& Path() const { return file_; }
-    std::string Text() const { return FileBytes(file_); }
+    /// What the file holds; nothing when it is not there.
+    std::string Text() const { return std::filesystem::exists(file_) ? FileBytes(file_) : ""; }
     void SetText(std::string_view text) const { WriteFileBytes(file_, text); }
 
 private:

@@ -9,7 +9,7 @@
 
 #include "platform/cad/COrkaEng.h"
 #include "tests/gps/model/Book.h"
-#include "tests/gps/model/Heap.h"
+#include "tests/Heap.h"
 
 namespace {
 

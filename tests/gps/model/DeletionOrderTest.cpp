@@ -6,7 +6,7 @@
 
 #include "tests/gps/model/Book.h"
 #include "tests/gps/model/ChangeWatch.h"
-#include "tests/gps/model/Heap.h"
+#include "tests/Heap.h"
 #include "tests/gps/model/Layout.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "tests/Scale.h"
-#include "tests/gps/model/Heap.h"
+#include "tests/Heap.h"
 
 namespace {
 

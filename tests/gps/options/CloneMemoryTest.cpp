@@ -8,7 +8,7 @@
 #include "gps/options/COpzDisPunGps.h"
 #include "gps/options/COpzListDisGps.h"
 #include "tests/Settings.h"
-#include "tests/gps/model/Heap.h"
+#include "tests/Heap.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "host/project/ContainerWriter.h"
 #include "host/project/OwnedFile.h"
 #include "platform/base/ofpstream.h"
-#include "tests/host/project/Folder.h"
+#include "tests/TempFolder.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ std::vector<Line> ExampleOfPage() {
 }
 
 TEST(ContainerFormat, ExampleOfThePageIsWhatIsWritten) {
-    const test::Folder folder;
+    const test::TempFolder folder;
     FileOperations& files = FileOperations::System();
     OwnedFile file(files);
     ASSERT_EQ(files.Open(folder / "file", FileOperations::How::createNew, 0600, file.number), 0);
@@ -56,7 +56,7 @@ TEST(ContainerFormat, ExampleOfThePageIsWhatIsWritten) {
     ASSERT_EQ(writer.End(), 0);
     EXPECT_EQ(writer.GetSize(), 302);
 
-    const std::string written = test::BytesOf(folder / "file");
+    const std::string written = test::FileBytes(folder / "file");
     const std::vector<Line> lines = ExampleOfPage();
     ASSERT_GT(lines.size(), 40U);
     std::size_t at = 0;

@@ -6,7 +6,7 @@
 #include <cerrno>
 
 #include "platform/base/ofpstream.h"
-#include "tests/host/project/Folder.h"
+#include "tests/TempFolder.h"
 #include "tests/host/project/ModelDisk.h"
 #include "tests/host/project/Samples.h"
 
@@ -14,8 +14,8 @@ namespace {
 
 using namespace gpsproject;
 using test::ContentOf;
-using test::Folder;
 using test::KindOf;
+using test::TempFolder;
 using Kind = ProjectError::Kind;
 
 std::string Record(Project& project, short version) {
@@ -27,7 +27,7 @@ std::string Record(Project& project, short version) {
 class GpsSection : public testing::TestWithParam<short> {};
 
 TEST_P(GpsSection, IsTheRecordAndNothingElse) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     test::Fill(project, 1);
     project.SaveAs(folder / "book", false);
@@ -36,11 +36,11 @@ TEST_P(GpsSection, IsTheRecordAndNothingElse) {
     EXPECT_EQ(project.GetBook().GetNomeFile(), folder / "book");
     EXPECT_EQ(project.GetBook().GetStreamVersion(), 1400);
     EXPECT_EQ(ContentOf(project), content);
-    EXPECT_EQ(test::BytesOf(folder / "section"), Record(project, GetParam()));
+    EXPECT_EQ(test::FileBytes(folder / "section"), Record(project, GetParam()));
 }
 
 TEST_P(GpsSection, GoesIntoAnotherProject) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     test::Fill(project, 1);
     WriteSection(project, folder / "section", GetParam(), false);
@@ -55,27 +55,27 @@ INSTANTIATE_TEST_SUITE_P(Versions, GpsSection,
                          testing::Values(743, 750, 881, 903, 1002, 1003, 1004, 1106, 1311, 1400));
 
 TEST(GpsSectionFile, ReplacesAnotherOnlyWhenAskedAndKeepsIt) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
-    test::WriteBytes(folder / "section", "mine");
+    test::WriteFileBytes(folder / "section", "mine");
     EXPECT_EQ(KindOf([&] { WriteSection(project, folder / "section", 1400, false); }), Kind::exists);
-    EXPECT_EQ(test::BytesOf(folder / "section"), "mine");
+    EXPECT_EQ(test::FileBytes(folder / "section"), "mine");
     WriteSection(project, folder / "section", 1400, true);
-    EXPECT_EQ(test::BytesOf(folder / "section.bak"), "mine");
+    EXPECT_EQ(test::FileBytes(folder / "section.bak"), "mine");
     EXPECT_EQ(folder.Names(), (test::Names{"section", "section.bak"}));
 }
 
 TEST(GpsSectionFile, NeverReplacesTheProjectItself) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     project.SaveAs(folder / "book", false);
-    const std::string bytes = test::BytesOf(folder / "book");
+    const std::string bytes = test::FileBytes(folder / "book");
     EXPECT_EQ(KindOf([&] { WriteSection(project, folder / "book", 1400, true); }), Kind::exists);
-    EXPECT_EQ(test::BytesOf(folder / "book"), bytes);
+    EXPECT_EQ(test::FileBytes(folder / "book"), bytes);
 }
 
 TEST(GpsSectionFile, VersionsThatAreNotWrittenAreRefused) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     for (const short version : std::initializer_list<short>{0, 742, 1401})
         EXPECT_EQ(KindOf([&] { WriteSection(project, folder / "section", version, true); }), Kind::notHeld);
@@ -94,7 +94,7 @@ TEST(GpsSectionFile, DiskThatIsFullLeavesNothing) {
 }
 
 TEST(GpsSectionRead, AppendsGroupsAndKeepsOptionsAndMapOfAProjectThatHasGroups) {
-    const Folder folder;
+    const TempFolder folder;
     Project source;
     test::Fill(source, 1);
     source.GetBook().GetOpzLibGps().OpzValore = 11;
@@ -111,7 +111,7 @@ TEST(GpsSectionRead, AppendsGroupsAndKeepsOptionsAndMapOfAProjectThatHasGroups) 
 }
 
 TEST(GpsSectionRead, MissingFileIsTold) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     EXPECT_EQ(KindOf([&] { ReadSection(folder / "nothing", 1400, project); }), Kind::notFound);
     EXPECT_EQ(KindOf([&] { ReadSection(folder.Path(), 1400, project); }), Kind::damaged);
@@ -119,7 +119,7 @@ TEST(GpsSectionRead, MissingFileIsTold) {
 }
 
 TEST(GpsSectionRead, UnknownVersionsAreRefused) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     WriteSection(project, folder / "section", 1400, false);
     for (const short version : std::initializer_list<short>{-1, 0, 1401})
@@ -128,7 +128,7 @@ TEST(GpsSectionRead, UnknownVersionsAreRefused) {
 
 // Nothing of a damaged section comes into a project.
 TEST(GpsSectionRead, EveryCutSectionIsRefusedWithItsPlace) {
-    const Folder folder;
+    const TempFolder folder;
     Project source;
     test::Fill(source, 1, 1, 2);
     const std::string bytes = Record(source, 900);
@@ -136,21 +136,21 @@ TEST(GpsSectionRead, EveryCutSectionIsRefusedWithItsPlace) {
     test::Fill(project, 2);
     const auto content = ContentOf(project);
     for (std::size_t size = 0; size < bytes.size(); ++size) {
-        test::WriteBytes(folder / "section", bytes.substr(0, size));
+        test::WriteFileBytes(folder / "section", bytes.substr(0, size));
         std::string message;
         EXPECT_EQ(KindOf([&] { ReadSection(folder / "section", 900, project); }, &message), Kind::damaged)
             << size;
         EXPECT_NE(message.find("byte "), std::string::npos) << message;
     }
     EXPECT_EQ(ContentOf(project), content);
-    test::WriteBytes(folder / "section", bytes.substr(0, bytes.size() - 5));
+    test::WriteFileBytes(folder / "section", bytes.substr(0, bytes.size() - 5));
     std::string message;
     KindOf([&] { ReadSection(folder / "section", 900, project); }, &message);
     EXPECT_NE(message.find("group 0, point 1, byte "), std::string::npos) << message;
 }
 
 TEST(GpsSectionRead, WrongVersionIsTold) {
-    const Folder folder;
+    const TempFolder folder;
     Project source;
     test::Fill(source, 1);
     WriteSection(source, folder / "section", 1400, false);

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <new>
 
 #include "host/project/ContainerWriter.h"
@@ -10,8 +11,8 @@
 #include "host/project/OwnedFile.h"
 #include "host/project/Project.h"
 #include "platform/base/ofpstream.h"
-#include "tests/host/project/Folder.h"
-#include "tests/host/project/Heap.h"
+#include "tests/Heap.h"
+#include "tests/TempFolder.h"
 #include "tests/host/project/Samples.h"
 
 namespace {
@@ -19,7 +20,7 @@ namespace {
 using namespace gpsproject;
 using test::ContentOf;
 using test::FailingHeap;
-using test::Folder;
+using test::TempFolder;
 using Mode = Project::Mode;
 
 enum class End { done, refused };
@@ -27,7 +28,7 @@ enum class End { done, refused };
 /// Calls with a heap that fails at the n-th allocation.
 template <class Call>
 End WithFailure(long n, bool onwards, Call call) {
-    const FailingHeap heap(n, onwards);
+    const FailingHeap heap(n, onwards ? LONG_MAX : 1);
     try {
         call();
         return End::done;
@@ -43,12 +44,12 @@ class OutOfMemory : public testing::TestWithParam<bool> {};
 // Whatever allocation of a save fails, for once or from there on: the old file is as it was, or the new one
 // is complete and Save has said so.
 TEST_P(OutOfMemory, SaveKeepsTheOldFileOrPlacesTheNewOne) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     test::Fill(project, 1);
     project.SaveAs(folder / "book", false);
     project.Save();
-    const std::string old = test::BytesOf(folder / "book");
+    const std::string old = test::FileBytes(folder / "book");
     test::Fill(project, 2);
     const auto content = ContentOf(project);
     for (long n = 0;; ++n) {
@@ -58,7 +59,7 @@ TEST_P(OutOfMemory, SaveKeepsTheOldFileOrPlacesTheNewOne) {
         ASSERT_EQ(ContentOf(project), content) << n;
         ASSERT_EQ(project.GetBook().GetNomeFile(), folder / "book") << n;
         if (end == End::refused) {
-            ASSERT_TRUE(test::BytesOf(folder / "book") == old) << n;
+            ASSERT_TRUE(test::FileBytes(folder / "book") == old) << n;
         } else {
             ASSERT_EQ(ContentOf(*Project::Open(folder / "book", Mode::read)), content) << n;
         }
@@ -72,7 +73,7 @@ TEST_P(OutOfMemory, SaveKeepsTheOldFileOrPlacesTheNewOne) {
 
 TEST_P(OutOfMemory, FirstSaveMakesTheWholeFileOrNone) {
     for (long n = 0;; ++n) {
-        const Folder folder;
+        const TempFolder folder;
         Project project;
         test::Fill(project, 1);
         const End end = WithFailure(n, GetParam(), [&] { project.SaveAs(folder / "book", false); });
@@ -89,7 +90,7 @@ TEST_P(OutOfMemory, FirstSaveMakesTheWholeFileOrNone) {
 
 // A book that is not whole must not look like one: it would be saved over the file that is.
 TEST_P(OutOfMemory, OpeningGivesAllOrNothing) {
-    const Folder folder;
+    const TempFolder folder;
     test::Content content;
     {
         Project project;
@@ -112,7 +113,7 @@ TEST_P(OutOfMemory, OpeningGivesAllOrNothing) {
 }
 
 TEST_P(OutOfMemory, ReadingASectionAddsAllOrNothing) {
-    const Folder folder;
+    const TempFolder folder;
     Project source;
     test::Fill(source, 1);
     WriteSection(source, folder / "section", 1400, false);
@@ -136,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(Failures, OutOfMemory, testing::Bool(),
 constexpr std::size_t kFixed = 16 * 1024 * 1024;
 
 void ExpectBounded(const std::string& path, const std::string& bytes, const std::string& what) {
-    test::WriteBytes(path, bytes);
+    test::WriteFileBytes(path, bytes);
     const test::MeasuredHeap heap;
     try {
         const auto project = Project::Open(path, Mode::read);
@@ -155,15 +156,15 @@ std::string FileWith(const std::string& path, const std::string& gps) {
     writer.Begin();
     writer.Section("gps", 1400, 8, [&](ofpstream& out) { out.WriteBytes(gps.data(), gps.size()); });
     writer.End();
-    return test::BytesOf(path);
+    return test::FileBytes(path);
 }
 
 TEST(DamagedFile, TakesMemoryByItsSizeAndNotByItsCounts) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     test::Fill(project, 1);
     project.SaveAs(folder / "book", false);
-    const std::string bytes = test::BytesOf(folder / "book");
+    const std::string bytes = test::FileBytes(folder / "book");
     for (std::size_t byte = 0; byte < bytes.size() && !HasFailure(); ++byte) {
         std::string damaged = bytes;
         std::fill_n(damaged.begin() + static_cast<std::ptrdiff_t>(byte),
@@ -174,7 +175,7 @@ TEST(DamagedFile, TakesMemoryByItsSizeAndNotByItsCounts) {
 
 // The same with checksums that are right.
 TEST(DamagedFile, EvilCountsTakeNoMemory) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     test::Fill(project, 1);
     ofpstream out(1400);
@@ -188,11 +189,11 @@ TEST(DamagedFile, EvilCountsTakeNoMemory) {
 }
 
 TEST(DamagedFile, LargeOnesStayBounded) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     test::Fill(project, 1, 1, 10'000);
     project.SaveAs(folder / "book", false);
-    std::string bytes = test::BytesOf(folder / "book");
+    std::string bytes = test::FileBytes(folder / "book");
     ExpectBounded(folder / "damaged", bytes, "whole");
     ExpectBounded(folder / "damaged", bytes.substr(0, bytes.size() / 2), "cut");
     bytes[bytes.size() / 2] ^= 1;

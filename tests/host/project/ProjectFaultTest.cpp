@@ -10,7 +10,7 @@
 #include <iostream>
 #include <set>
 
-#include "tests/host/project/Folder.h"
+#include "tests/TempFolder.h"
 #include "tests/host/project/ModelDisk.h"
 #include "tests/host/project/Samples.h"
 #include "tests/host/project/SavedProjects.h"
@@ -20,9 +20,9 @@ using namespace gpsproject;
 using test::ContentIn;
 using test::ContentOf;
 using test::Contents;
-using test::Folder;
 using test::KindOf;
 using test::Make;
+using test::TempFolder;
 using Kind = ProjectError::Kind;
 using Mode = Project::Mode;
 
@@ -148,7 +148,7 @@ TEST(Project, AnyOperationOfAnOpeningMayFail) {
 
 // A program that dies in the middle of a save, whatever it was doing: kill -9.
 TEST(Project, ProcessKilledWhileSavingLeavesAWholeBook) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 0);
     std::set<test::Content> contents{Contents(0), Contents(1), Contents(2)};
     for (int round = 0; round < 20; ++round) {

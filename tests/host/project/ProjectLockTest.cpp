@@ -9,21 +9,21 @@
 #include <memory>
 
 #include "host/project/ProjectError.h"
-#include "tests/host/project/Folder.h"
+#include "tests/TempFolder.h"
 #include "tests/host/project/ModelDisk.h"
 #include "tests/host/project/Samples.h"
 
 namespace {
 
 using namespace gpsproject;
-using test::Folder;
 using test::KindOf;
+using test::TempFolder;
 using Kind = ProjectError::Kind;
 
 FileOperations& Files() { return FileOperations::System(); }
 
 TEST(ProjectLock, SecondOneIsRefusedWithProcessAndMachineOfTheFirst) {
-    const Folder folder;
+    const TempFolder folder;
     const ProjectLock first(Files(), folder / "book");
     std::string message, host(256, '\0');
     EXPECT_EQ(KindOf([&] { ProjectLock(Files(), folder / "book"); }, &message), Kind::locked);
@@ -35,13 +35,13 @@ TEST(ProjectLock, SecondOneIsRefusedWithProcessAndMachineOfTheFirst) {
 }
 
 TEST(ProjectLock, OtherProjectsAreNotLocked) {
-    const Folder folder;
+    const TempFolder folder;
     const ProjectLock first(Files(), folder / "book");
     EXPECT_NO_THROW(ProjectLock(Files(), folder / "other"));
 }
 
 TEST(ProjectLock, LeavesNothingBehind) {
-    const Folder folder;
+    const TempFolder folder;
     {
         const ProjectLock lock(Files(), folder / "book");
         EXPECT_EQ(folder.Names(), test::Names{"book.lock"});
@@ -51,7 +51,7 @@ TEST(ProjectLock, LeavesNothingBehind) {
 }
 
 TEST(ProjectLock, RefusedOneLeavesTheOthersAlone) {
-    const Folder folder;
+    const TempFolder folder;
     auto first = std::make_unique<ProjectLock>(Files(), folder / "book");
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(KindOf([&] { ProjectLock(Files(), folder / "book"); }), Kind::locked);
@@ -60,7 +60,7 @@ TEST(ProjectLock, RefusedOneLeavesTheOthersAlone) {
 }
 
 TEST(ProjectLock, ProcessThatWasKilledLocksNobodyOut) {
-    const Folder folder;
+    const TempFolder folder;
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
     const pid_t child = fork();

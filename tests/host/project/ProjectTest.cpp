@@ -13,7 +13,7 @@
 #include "host/project/GpsReader.h"
 #include "host/project/OwnedFile.h"
 #include "platform/base/ofpstream.h"
-#include "tests/host/project/Folder.h"
+#include "tests/TempFolder.h"
 #include "tests/host/project/ModelDisk.h"
 #include "tests/host/project/Samples.h"
 #include "tests/host/project/SavedProjects.h"
@@ -24,9 +24,9 @@ using namespace gpsproject;
 using test::ContentIn;
 using test::ContentOf;
 using test::Contents;
-using test::Folder;
 using test::KindOf;
 using test::Make;
+using test::TempFolder;
 using Kind = ProjectError::Kind;
 using Mode = Project::Mode;
 
@@ -54,7 +54,7 @@ TEST(Project, NewOneIsEmptyAndWritable) {
 }
 
 TEST(Project, ComesBackAsItWasSaved) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto project = Project::Open(folder / "book", Mode::read);
     EXPECT_EQ(ContentOf(*project), Contents(1));
@@ -68,7 +68,7 @@ TEST(Project, ComesBackAsItWasSaved) {
 }
 
 TEST(Project, EmptyOneComesBack) {
-    const Folder folder;
+    const TempFolder folder;
     Project().SaveAs(folder / "book", false);
     const auto project = Project::Open(folder / "book", Mode::write);
     EXPECT_EQ(ContentOf(*project), [] {
@@ -81,18 +81,18 @@ class ProjectVersions : public testing::TestWithParam<short> {};
 
 TEST_P(ProjectVersions, SavedAgainGivesTheSameBytes) {
     const short version = GetParam();
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1, version);
     const auto project = Project::Open(folder / "book", Mode::read);
     EXPECT_EQ(project->GetStreamVersion(), version);
     EXPECT_EQ(project->GetBook().GetStreamVersion(), version);
     project->SaveAs(folder / "again", false);
-    EXPECT_EQ(test::BytesOf(folder / "again"), test::BytesOf(folder / "book"));
+    EXPECT_EQ(test::FileBytes(folder / "again"), test::FileBytes(folder / "book"));
 }
 
 TEST_P(ProjectVersions, SectionIsTheFieldBooksRecord) {
     const short version = GetParam();
-    const Folder folder;
+    const TempFolder folder;
     Project project(version);
     test::Fill(project, 1);
     project.SaveAs(folder / "book", false);
@@ -104,7 +104,7 @@ TEST_P(ProjectVersions, SectionIsTheFieldBooksRecord) {
     EXPECT_EQ(sections.back().name, "gps");
     EXPECT_EQ(sections.back().version, version);
     EXPECT_EQ(sections.back().items, 8);
-    EXPECT_EQ(test::BytesOf(folder / "book")
+    EXPECT_EQ(test::FileBytes(folder / "book")
                   .substr(static_cast<std::size_t>(sections.back().offset),
                           static_cast<std::size_t>(sections.back().length)),
               out.GetBytes());
@@ -112,7 +112,7 @@ TEST_P(ProjectVersions, SectionIsTheFieldBooksRecord) {
     ofpstream map(version);
     project.GetMap().SalvaInFile(map, version);
     EXPECT_EQ(sections[1].name, "map");
-    EXPECT_EQ(test::BytesOf(folder / "book")
+    EXPECT_EQ(test::FileBytes(folder / "book")
                   .substr(static_cast<std::size_t>(sections[1].offset),
                           static_cast<std::size_t>(sections[1].length)),
               map.GetBytes());
@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(Thresholds, ProjectVersions,
                                          1106, 1299, 1300, 1310, 1311, 1400));
 
 TEST(Project, VersionsOutsideOfWhatIsWrittenAreRefused) {
-    const Folder folder;
+    const TempFolder folder;
     for (const short version : std::initializer_list<short>{-1, 0, 742, 1401}) {
         Project project(version);
         std::string message;
@@ -137,7 +137,7 @@ TEST(Project, VersionsOutsideOfWhatIsWrittenAreRefused) {
 // ----------------------------------------------------------------------------------------------------
 
 TEST(Project, SaveGoesOnWithTheFileAndKeepsTheFormerAsBackup) {
-    const Folder folder;
+    const TempFolder folder;
     {
         Project project;
         for (const int number : {1, 2, 3}) {
@@ -152,7 +152,7 @@ TEST(Project, SaveGoesOnWithTheFileAndKeepsTheFormerAsBackup) {
 }
 
 TEST(Project, OpenedOneIsChangedAndSaved) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     {
         const auto project = Project::Open(folder / "book", Mode::write);
@@ -165,7 +165,7 @@ TEST(Project, OpenedOneIsChangedAndSaved) {
 }
 
 TEST(Project, SaveAsAnotherNameGoesOnThere) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto project = Project::Open(folder / "book", Mode::write);
     test::Fill(*project, 2);
@@ -180,7 +180,7 @@ TEST(Project, SaveAsAnotherNameGoesOnThere) {
 }
 
 TEST(Project, SaveAsReplacesOnlyWhenAsked) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     Project project;
     test::Fill(project, 2);
@@ -196,7 +196,7 @@ TEST(Project, SaveAsReplacesOnlyWhenAsked) {
 }
 
 TEST(Project, SaveAsOwnNameIsSave) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto project = Project::Open(folder / "book", Mode::write);
     test::Fill(*project, 2);
@@ -206,7 +206,7 @@ TEST(Project, SaveAsOwnNameIsSave) {
 }
 
 TEST(Project, ReadOnlyOneIsNotSavedButUnderAnotherName) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto project = Project::Open(folder / "book", Mode::read);
     EXPECT_TRUE(project->IsReadOnly());
@@ -220,7 +220,7 @@ TEST(Project, ReadOnlyOneIsNotSavedButUnderAnotherName) {
 }
 
 TEST(Project, SecondWriterIsRefusedAndReadersAreNot) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto first = Project::Open(folder / "book", Mode::write);
     std::string message;
@@ -232,14 +232,14 @@ TEST(Project, SecondWriterIsRefusedAndReadersAreNot) {
 }
 
 TEST(Project, NewOneHoldsTheLockOfItsFileFromTheFirstSaveOn) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     project.SaveAs(folder / "book", false);
     EXPECT_EQ(KindOf([&] { Project::Open(folder / "book", Mode::write); }), Kind::locked);
 }
 
 TEST(Project, LinkIsFollowedAndStays) {
-    const Folder folder;
+    const TempFolder folder;
     ASSERT_EQ(::mkdir((folder / "real").c_str(), 0700), 0);
     Make(folder / "real/book", 1);
     ASSERT_EQ(::symlink("real/book", (folder / "link").c_str()), 0);
@@ -259,7 +259,7 @@ TEST(Project, LinkIsFollowedAndStays) {
 }
 
 TEST(Project, LinkThatLeadsNowhereIsRefused) {
-    const Folder folder;
+    const TempFolder folder;
     ASSERT_EQ(::symlink("nothing", (folder / "link").c_str()), 0);
     Project project;
     EXPECT_EQ(KindOf([&] { project.SaveAs(folder / "link", true); }), Kind::system);
@@ -268,7 +268,7 @@ TEST(Project, LinkThatLeadsNowhereIsRefused) {
 }
 
 TEST(Project, OnlyOrdinaryFilesAreReplaced) {
-    const Folder folder;
+    const TempFolder folder;
     ASSERT_EQ(::mkdir((folder / "folder").c_str(), 0700), 0);
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
     Project project;
@@ -281,7 +281,7 @@ TEST(Project, OnlyOrdinaryFilesAreReplaced) {
 }
 
 TEST(Project, NamesThatCannotBeAreRefused) {
-    const Folder folder;
+    const TempFolder folder;
     Project project;
     EXPECT_EQ(KindOf([&] { project.SaveAs("", true); }), Kind::notFound);
     EXPECT_EQ(KindOf([&] { Project::Open("", Mode::read); }), Kind::notFound);
@@ -293,7 +293,7 @@ TEST(Project, NamesThatCannotBeAreRefused) {
 }
 
 TEST(Project, WhatAnInterruptedSaveLeftIsNoProject) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     ASSERT_EQ(::rename((folder / "book").c_str(), (folder / "book.saving").c_str()), 0);
     std::string message;
@@ -302,7 +302,7 @@ TEST(Project, WhatAnInterruptedSaveLeftIsNoProject) {
 }
 
 TEST(Project, MissingFileWithABackupIsToldSo) {
-    const Folder folder;
+    const TempFolder folder;
     std::string message;
     EXPECT_EQ(KindOf([&] { Project::Open(folder / "book", Mode::read); }, &message), Kind::notFound);
     EXPECT_EQ(message.find("book.bak"), std::string::npos) << message;
@@ -330,12 +330,12 @@ TEST(Project, WriteProtectedFileIsNotReplaced) {
 // -----------------------------------------------------------------------------------------
 
 TEST(Project, FileThatOthersChangedIsNotReplaced) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     Make(folder / "second", 2);
     const auto project = Project::Open(folder / "book", Mode::write);
     test::Fill(*project, 3);
-    test::WriteBytes(folder / "book", test::BytesOf(folder / "second"));
+    test::WriteFileBytes(folder / "book", test::FileBytes(folder / "second"));
     std::string message;
     EXPECT_EQ(KindOf([&] { project->Save(); }, &message), Kind::changedOutside);
     EXPECT_NE(message.find("another name"), std::string::npos) << message;
@@ -345,30 +345,30 @@ TEST(Project, FileThatOthersChangedIsNotReplaced) {
 }
 
 TEST(Project, OneByteChangedBehindTheBackOfTheTableIsSeen) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto project = Project::Open(folder / "book", Mode::write);
-    std::string bytes = test::BytesOf(folder / "book");
+    std::string bytes = test::FileBytes(folder / "book");
     bytes[bytes.find("Group 1.1")] = 'g';
-    test::WriteBytes(folder / "book", bytes);
+    test::WriteFileBytes(folder / "book", bytes);
     EXPECT_EQ(KindOf([&] { project->Save(); }), Kind::changedOutside);
-    EXPECT_EQ(test::BytesOf(folder / "book"), bytes);
+    EXPECT_EQ(test::FileBytes(folder / "book"), bytes);
 }
 
 TEST(Project, TouchedFileOfTheSameContentIsReplaced) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto project = Project::Open(folder / "book", Mode::write);
-    const std::string bytes = test::BytesOf(folder / "book");
+    const std::string bytes = test::FileBytes(folder / "book");
     ASSERT_EQ(::unlink((folder / "book").c_str()), 0);
-    test::WriteBytes(folder / "book", bytes);
+    test::WriteFileBytes(folder / "book", bytes);
     test::Fill(*project, 2);
     EXPECT_NO_THROW(project->Save());
     EXPECT_EQ(ContentIn(folder / "book"), Contents(2));
 }
 
 TEST(Project, FileThatIsGoneIsMadeAgain) {
-    const Folder folder;
+    const TempFolder folder;
     Make(folder / "book", 1);
     const auto project = Project::Open(folder / "book", Mode::write);
     ASSERT_EQ(::unlink((folder / "book").c_str()), 0);
@@ -395,7 +395,7 @@ TEST(Project, FileChangedWhileTheNewOneIsWrittenIsNotReplaced) {
 // ----------------------------------------------------------------------------------------
 
 TEST(Project, UnknownSectionsAndTextsAreKept) {
-    const Folder folder;
+    const TempFolder folder;
     const std::string content(10000, 'x');
     {
         FileOperations& files = FileOperations::System();
@@ -433,12 +433,12 @@ TEST(Project, UnknownSectionsAndTextsAreKept) {
     ASSERT_NE(future, sections.end());
     EXPECT_EQ(future->version, 7);
     EXPECT_EQ(future->items, 9);
-    EXPECT_EQ(test::BytesOf(folder / "book").substr(static_cast<std::size_t>(future->offset), 10000),
+    EXPECT_EQ(test::FileBytes(folder / "book").substr(static_cast<std::size_t>(future->offset), 10000),
               content);
 }
 
 TEST(Project, FieldBookOfALaterVersionIsRefused) {
-    const Folder folder;
+    const TempFolder folder;
     FileOperations& files = FileOperations::System();
     {
         OwnedFile file(files);
@@ -454,7 +454,7 @@ TEST(Project, FieldBookOfALaterVersionIsRefused) {
 }
 
 TEST(Project, DatumThatIsNoLongerThatOfTheGroupIsNoted) {
-    const Folder folder;
+    const TempFolder folder;
     {
         Project project;
         test::Fill(project, 1);
@@ -470,7 +470,7 @@ TEST(Project, DatumThatIsNoLongerThatOfTheGroupIsNoted) {
         EXPECT_TRUE(other->GetBook().GetGrpAt(1)->GetConvCoord()->IsDatumDiverso());
     }
     // A file whose map library has other values than its groups were saved with.
-    std::string bytes = test::BytesOf(folder / "book");
+    std::string bytes = test::FileBytes(folder / "book");
     FileOperations& files = FileOperations::System();
     const auto project = Project::Open(folder / "book", Mode::read);
     {
@@ -494,7 +494,7 @@ TEST(Project, DatumThatIsNoLongerThatOfTheGroupIsNoted) {
 }
 
 TEST(Project, WhatTheVersionDoesNotHoldIsNotedBySave) {
-    const Folder folder;
+    const TempFolder folder;
     Project project(880);
     test::Fill(project, 1);
     project.SaveAs(folder / "book", false);

@@ -8,16 +8,16 @@
 #include <cerrno>
 
 #include "host/project/ProjectError.h"
-#include "tests/host/project/Folder.h"
+#include "tests/TempFolder.h"
 #include "tests/host/project/ModelDisk.h"
 #include "tests/host/project/Samples.h"
 
 namespace {
 
 using namespace gpsproject;
-using test::Folder;
 using test::KindOf;
 using test::ModelDisk;
+using test::TempFolder;
 using Kind = ProjectError::Kind;
 
 std::optional<FileOperations::Facts> FactsOf(FileOperations& files, const std::string& path) {
@@ -34,23 +34,23 @@ int Replace(FileOperations& files, const std::string& path, const std::string& b
 }
 
 TEST(SafeReplace, NewFileTakesItsNameAndLeavesNothingElse) {
-    const Folder folder;
+    const TempFolder folder;
     EXPECT_EQ(Replace(FileOperations::System(), folder / "book", "one"), 0);
-    EXPECT_EQ(test::BytesOf(folder / "book"), "one");
+    EXPECT_EQ(test::FileBytes(folder / "book"), "one");
     EXPECT_EQ(folder.Names(), test::Names{"book"});
 }
 
 TEST(SafeReplace, FormerFileBecomesTheBackup) {
-    const Folder folder;
+    const TempFolder folder;
     for (const char* bytes : {"one", "two", "three"})
         Replace(FileOperations::System(), folder / "book", bytes);
-    EXPECT_EQ(test::BytesOf(folder / "book"), "three");
-    EXPECT_EQ(test::BytesOf(folder / "book.bak"), "two");
+    EXPECT_EQ(test::FileBytes(folder / "book"), "three");
+    EXPECT_EQ(test::FileBytes(folder / "book.bak"), "two");
     EXPECT_EQ(folder.Names(), (test::Names{"book", "book.bak"}));
 }
 
 TEST(SafeReplace, WithoutPlaceNothingHasHappened) {
-    const Folder folder;
+    const TempFolder folder;
     FileOperations& files = FileOperations::System();
     Replace(files, folder / "book", "one");
     {
@@ -58,14 +58,14 @@ TEST(SafeReplace, WithoutPlaceNothingHasHappened) {
         files.Write(pending.GetFile(), "two", 3);
         EXPECT_EQ(folder.Names(), (test::Names{"book", "book.saving"}));
     }
-    EXPECT_EQ(test::BytesOf(folder / "book"), "one");
+    EXPECT_EQ(test::FileBytes(folder / "book"), "one");
     EXPECT_EQ(folder.Names(), test::Names{"book"});
 }
 
 TEST(SafeReplace, LeftoversOfACrashAreRemoved) {
-    const Folder folder;
+    const TempFolder folder;
     for (const char* name : {"book", "book.saving", "book.bak.saving"})
-        test::WriteBytes(folder / name, "old");
+        test::WriteFileBytes(folder / name, "old");
     Replace(FileOperations::System(), folder / "book", "new");
     EXPECT_EQ(folder.Names(), (test::Names{"book", "book.bak"}));
 }
@@ -73,19 +73,19 @@ TEST(SafeReplace, LeftoversOfACrashAreRemoved) {
 // A crash between the two names of the former file leaves both on the same file: the next save must not
 // stumble.
 TEST(SafeReplace, BackupThatIsTheFormerFileItselfIsNoHindrance) {
-    const Folder folder;
-    test::WriteBytes(folder / "book", "one");
+    const TempFolder folder;
+    test::WriteFileBytes(folder / "book", "one");
     ASSERT_EQ(::link((folder / "book").c_str(), (folder / "book.bak").c_str()), 0);
     Replace(FileOperations::System(), folder / "book", "two");
-    EXPECT_EQ(test::BytesOf(folder / "book"), "two");
-    EXPECT_EQ(test::BytesOf(folder / "book.bak"), "one");
+    EXPECT_EQ(test::FileBytes(folder / "book"), "two");
+    EXPECT_EQ(test::FileBytes(folder / "book.bak"), "one");
     EXPECT_EQ(folder.Names(), (test::Names{"book", "book.bak"}));
 }
 
 TEST(SafeReplace, PermissionsOfTheFormerFileStay) {
-    const Folder folder;
+    const TempFolder folder;
     for (const mode_t mode : {0600U, 0640U, 0664U, 0666U}) {
-        test::WriteBytes(folder / "book", "one");
+        test::WriteFileBytes(folder / "book", "one");
         ASSERT_EQ(::chmod((folder / "book").c_str(), mode), 0);
         Replace(FileOperations::System(), folder / "book", "two");
         EXPECT_EQ(FactsOf(FileOperations::System(), folder / "book")->mode, mode);
@@ -93,7 +93,7 @@ TEST(SafeReplace, PermissionsOfTheFormerFileStay) {
 }
 
 TEST(SafeReplace, NewFileHasThePermissionsThatTheUserGivesToNewFiles) {
-    const Folder folder;
+    const TempFolder folder;
     const mode_t before = ::umask(027);
     Replace(FileOperations::System(), folder / "book", "one");
     ::umask(before);
@@ -105,8 +105,8 @@ TEST(SafeReplace, OwnerOfTheFormerFileStaysWhereTheUserMayGiveIt) {
     const bool administrator = ::geteuid() == 0;
     const uid_t owner = administrator ? 1234 : ::geteuid();
     const gid_t group = administrator ? 5678 : ::getegid();
-    const Folder folder;
-    test::WriteBytes(folder / "book", "one");
+    const TempFolder folder;
+    test::WriteFileBytes(folder / "book", "one");
     ASSERT_EQ(::chown((folder / "book").c_str(), owner, group), 0);
     Replace(FileOperations::System(), folder / "book", "two");
     EXPECT_EQ(FactsOf(FileOperations::System(), folder / "book")->owner, owner);

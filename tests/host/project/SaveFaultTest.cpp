@@ -1,68 +1,25 @@
 // A real save by a real program, with each of its calls to the file system refused by the system in turn.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <sstream>
+#include <string>
 
 #include "host/project/Project.h"
-#include "tests/host/project/Folder.h"
+#include "tests/FaultRun.h"
+#include "tests/TempFolder.h"
 #include "tests/host/project/Samples.h"
 
 namespace {
 
 using namespace gpsproject;
 using test::ContentOf;
-using test::Folder;
+using test::FaultRun;
+using test::TempFolder;
 
-constexpr int kShort = 0;  // reads and writes take half of their bytes
-
-struct Outcome {
-    int code = -1;
-    std::string message;
-    std::vector<std::string> calls;  // "17 fsync"
-};
-
-/// Runs SaveBook on a book with one call refused (-1: none).
-Outcome Save(const Folder& folder, int number, int call, int error) {
-    int log[2], err[2];
-    EXPECT_EQ(::pipe(log), 0);
-    EXPECT_EQ(::pipe(err), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::setenv("LD_PRELOAD", SAVE_SHIM, 1);
-        ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0", 1);
-        ::setenv("SHIM_FOLDER", folder.Path().c_str(), 1);
-        ::setenv("SHIM_CALL", std::to_string(call).c_str(), 1);
-        ::setenv("SHIM_ERROR", std::to_string(error).c_str(), 1);
-        ::setenv("SHIM_LOG", std::to_string(log[1]).c_str(), 1);
-        ::dup2(err[1], 2);
-        ::close(log[0]);
-        ::close(err[0]);
-        ::execl(SAVE_BOOK, SAVE_BOOK, (folder / "book").c_str(), std::to_string(number).c_str(), nullptr);
-        ::_exit(127);
-    }
-    ::close(log[1]);
-    ::close(err[1]);
-    const auto all = [](int file) {
-        std::string text;
-        char piece[4096];
-        for (ssize_t got; (got = ::read(file, piece, sizeof piece)) > 0;)
-            text.append(piece, static_cast<std::size_t>(got));
-        ::close(file);
-        return text;
-    };
-    Outcome run;
-    std::istringstream calls(all(log[0]));
-    for (std::string line; std::getline(calls, line);) run.calls.push_back(line);
-    run.message = all(err[0]);
-    int status = 0;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status)) << "signal " << WTERMSIG(status) << "\n" << run.message;
-    run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
+/// Saves content `number` into the book with one call refused (-1: none).
+FaultRun Save(const TempFolder& folder, int number, int call, int error) {
+    return test::RunWithFault({FAULT_PROGRAM, folder / "book", std::to_string(number)}, folder.Path(), call,
+                              error);
 }
 
 test::Content Contents(int number) {
@@ -78,7 +35,7 @@ test::Content ContentIn(const std::string& path) {
 }
 
 /// A folder with a book of content 1 and its backup of content 0.
-void Prepare(const Folder& folder) {
+void Prepare(const TempFolder& folder) {
     Project project;
     for (const int number : {0, 1}) {
         test::Fill(project, number);
@@ -87,9 +44,9 @@ void Prepare(const Folder& folder) {
 }
 
 TEST(SaveFault, WithoutOneTheBookIsSavedByTheseCalls) {
-    const Folder folder;
+    const TempFolder folder;
     Prepare(folder);
-    const Outcome run = Save(folder, 2, -1, 0);
+    const FaultRun run = Save(folder, 2, -1, 0);
     EXPECT_EQ(run.code, 0) << run.message;
     EXPECT_EQ(ContentIn(folder / "book"), Contents(2));
     // What must not be missing, so that the tests below refuse what matters.
@@ -107,16 +64,16 @@ TEST_P(EverySaveFault, LeavesTheOldBookAndAMessageOrTheNewBook) {
     const int error = GetParam();
     const auto old = Contents(1), next = Contents(2);
     const std::size_t calls = [] {
-        const Folder folder;
+        const TempFolder folder;
         Prepare(folder);
         return Save(folder, 2, -1, 0).calls.size();
     }();
     ASSERT_GT(calls, 40U);
     int refused = 0;
     for (int call = 0; call < static_cast<int>(calls); ++call) {
-        const Folder folder;
+        const TempFolder folder;
         Prepare(folder);
-        const Outcome run = Save(folder, 2, call, error);
+        const FaultRun run = Save(folder, 2, call, error);
         ASSERT_GT(run.calls.size(), static_cast<std::size_t>(call));
         const std::string name = run.calls[static_cast<std::size_t>(call)];
         const std::string where = "call " + name + ": " + run.message;
@@ -142,14 +99,14 @@ TEST_P(EverySaveFault, LeavesTheOldBookAndAMessageOrTheNewBook) {
         const bool repeats = name.ends_with(" write") || name.ends_with(" pread") ||
                              name.ends_with(" fsync") || name.ends_with(" flock") ||
                              name.ends_with(" close") || name.ends_with(" open");
-        const bool harmless = error == kShort || (error == EINTR && repeats);
+        const bool harmless = error == test::kHalf || (error == EINTR && repeats);
         EXPECT_TRUE(run.code == 0 || !harmless) << where;
     }
     EXPECT_EQ(refused > static_cast<int>(calls) / 2, error == EIO || error == ENOSPC || error == EACCES)
         << refused;
 }
 
-INSTANTIATE_TEST_SUITE_P(Errors, EverySaveFault, testing::Values(EIO, ENOSPC, EACCES, EINTR, kShort),
+INSTANTIATE_TEST_SUITE_P(Errors, EverySaveFault, testing::Values(EIO, ENOSPC, EACCES, EINTR, test::kHalf),
                          [](const auto& fault) -> std::string {
                              switch (fault.param) {
                                  case EIO:

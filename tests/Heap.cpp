@@ -1,4 +1,6 @@
-#include "tests/gps/model/Heap.h"
+#include "tests/Heap.h"
+
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -21,6 +23,8 @@ const void* wanted[kFreedMax];
 std::size_t wantedCount = 0;
 const void* freed[kFreedMax];
 std::size_t freedCount = 0;
+long long inUse = 0;
+long long peak = 0;
 
 void* Allocate(std::size_t size) noexcept {
     const bool turn = untilFailure == 0 && failuresLeft-- > 0;
@@ -30,13 +34,19 @@ void* Allocate(std::size_t size) noexcept {
         return nullptr;
     }
     if (untilFailure > 0) --untilFailure;
-    return std::malloc(size == 0 ? 1 : size);
+    void* const at = std::malloc(size == 0 ? 1 : size);
+    if (at) {
+        inUse += static_cast<long long>(malloc_usable_size(at));
+        peak = std::max(peak, inUse);
+    }
+    return at;
 }
 
 void Free(void* at) noexcept {
     if (wantedCount > 0 && freedCount < kFreedMax &&
         std::find(wanted, wanted + wantedCount, at) != wanted + wantedCount)
         freed[freedCount++] = at;
+    if (at) inUse -= static_cast<long long>(malloc_usable_size(at));
     std::free(at);
 }
 
@@ -78,6 +88,12 @@ SmallHeap::SmallHeap(std::size_t limit) {
     sizeLimit = limit;
 }
 SmallHeap::~SmallHeap() { sizeLimit = std::numeric_limits<std::size_t>::max(); }
+
+MeasuredHeap::MeasuredHeap() {
+    inUse = 0;
+    peak = 0;
+}
+std::size_t MeasuredHeap::GetPeak() { return static_cast<std::size_t>(peak); }
 
 FreedWatch::FreedWatch(std::vector<const void*> addresses) {
     freedCount = 0;

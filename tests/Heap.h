@@ -1,4 +1,5 @@
-// Heap: the global operator new and delete of this program, made to fail and to be listened to.
+// Heap: the global operator new and delete of this program, made to fail, to be measured and to
+// be listened to.
 #pragma once
 
 #include <climits>
@@ -35,6 +36,15 @@ public:
     ~SmallHeap();
     SmallHeap(const SmallHeap&) = delete;
     SmallHeap& operator=(const SmallHeap&) = delete;
+};
+
+/// Measures what is allocated while it lives.
+class MeasuredHeap {
+public:
+    MeasuredHeap();
+
+    /// The most bytes that were in use at once, above those at the beginning.
+    static std::size_t GetPeak();
 };
 
 /// While it lives, writes down the addresses of what is freed, as long as it was told to look for them.

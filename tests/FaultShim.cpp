@@ -1,10 +1,12 @@
-// SaveShim: preloaded into a program, lets one of its calls to the file system fail.
+// FaultShim: preloaded into a program, lets one of its calls to the file system fail.
 //
 // Calls that concern files in the folder SHIM_FOLDER are counted from 0. Call number SHIM_CALL fails with the
-// error number SHIM_ERROR; with SHIM_ERROR 0 a read or write takes half of its bytes instead. Number and name
-// of each call are written to the descriptor SHIM_LOG.
+// error number SHIM_ERROR; with SHIM_ERROR 0 a read or write takes half of its bytes instead, and with -1 the
+// program is killed in front of the call. Number and name of each call are written to the descriptor
+// SHIM_LOG.
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,6 +50,7 @@ What Next(const char* name) {
     }
     if (number != NumberOf("SHIM_CALL", -1)) return What::pass;
     const int error = NumberOf("SHIM_ERROR", EIO);
+    if (error < 0) kill(getpid(), SIGKILL);
     if (error == 0) return What::half;
     errno = error;
     return What::fail;
