@@ -32,8 +32,9 @@ void Register(const Work& work, const std::vector<std::size_t>& counts) {
 }  // namespace
 
 void RegisterCases() {
-    for (const auto& list : {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios(),
-                             SectionRatios(), StoreRatios(), SaveRatios()})
+    for (const auto& list :
+         {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios(), SectionRatios(), StoreRatios(),
+          SaveRatios(), ExchangeRatios(), JournalRatios(), SearchRatios(), StationRatios()})
         for (const Ratio& r : list) {
             Register(r.subject, r.counts);
             Register(r.peer, r.counts);

@@ -117,11 +117,12 @@ double Median(std::vector<double> values) {
 
 bool RunRatios(bool small, const std::string& prefix) {
     bool all = true;
-    for (const auto& list : {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios(),
-                             SectionRatios(), StoreRatios(), SaveRatios()})
+    for (const auto& list :
+         {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios(), SectionRatios(), StoreRatios(),
+          SaveRatios(), ExchangeRatios(), JournalRatios(), SearchRatios(), StationRatios()})
         for (const Ratio& r : list)
             if (r.name.starts_with(prefix)) all = RunRatio(r, small) && all;
-    for (const auto& list : {MakeFigures(), NmeaFigures(), LoadFigures()})
+    for (const auto& list : {MakeFigures(), NmeaFigures(), LoadFigures(), JournalFigures()})
         for (const Figure& f : list)
             if (f.name.starts_with(prefix)) all = RunFigure(f, small) && all;
     return all;

@@ -2,14 +2,17 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 
 #include "fuzz/Fuzz.h"
 #include "gps/model/CLibGps.h"
 #include "gps/options/COpzPostProc.h"
+#include "host/base/JournalWriter.h"
 #include "host/project/Project.h"
 #include "platform/coord/CLibMap.h"
+#include "tests/MemoryFile.h"
 #include "tests/gps/persist/RandomBook.h"
 
 namespace {
@@ -119,6 +122,69 @@ void AddRecords(Corpus& corpus) {
     }
 }
 
+// The bits of a target's switches: 1 groups, 2 from plane coordinates.
+void AddExchangeFiles(Corpus& corpus) {
+    const test::MemoryFile file;
+    for (unsigned seed = 0; seed < 6; ++seed) {
+        Book book;
+        if (seed == 0)
+            FillSmall(book.lib);
+        else
+            test::RandomBook(seed).Fill(book.lib, book.map);
+        const std::string name = seed == 0 ? "small" : "random-" + std::to_string(seed);
+        for (const unsigned switches : {0u, 1u, 4u, 5u, 8u, 16u}) {
+            book.lib.SalvaPuntiInFile(0, 0, book.lib.GetPunArSize(0), file.Name());
+            corpus.Add("exchange", name + "-points-" + std::to_string(switches),
+                       fuzz::MakeInput(kNewest, switches, file.Bytes()));
+            book.lib.SalvaGruppoInFile(0, book.lib.GetGrpArSize(), file.Name(), nullptr);
+            corpus.Add("exchange", name + "-groups-" + std::to_string(switches),
+                       fuzz::MakeInput(kNewest, switches | 2u, file.Bytes()));
+        }
+        // More is promised than there is: a missing point, a missing group.
+        book.lib.SalvaPuntiInFile(0, 0, 12, file.Name());
+        corpus.Add("exchange", name + "-points-short", fuzz::MakeInput(kNewest, 0, file.Bytes()));
+        book.lib.SalvaGruppoInFile(0, 7, file.Name(), nullptr);
+        corpus.Add("exchange", name + "-groups-short", fuzz::MakeInput(kNewest, 2, file.Bytes()));
+    }
+}
+
+std::string BytesOf(const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// The bit of the target's switches: 1 puts the checksums right.
+void AddJournals(Corpus& corpus) {
+    const std::string file = (corpus.Folder("journal") / "made").string();
+    std::filesystem::remove(file);
+    Book book;
+    FillSmall(book.lib);
+    book.lib.SetNomeFile("book");
+    JournalWriter journal(FileOperations::System(), file, "book", 7, 8);
+    book.lib.SetTmpJournal(&journal);
+    const auto add = [&](const std::string& name) {
+        journal.Commit();
+        for (const unsigned switches : {0u, 1u})
+            corpus.Add("journal", name + "-" + std::to_string(switches),
+                       fuzz::MakeInput(kNewest, switches, BytesOf(file)));
+    };
+    book.lib.SaveTmpGrpGps(book.lib.GetGrpAt(0), nullptr);
+    add("group");
+    journal.BeginEdit();
+    book.lib.SaveTmpPunGps(book.lib.GetPunAt(0, 0));
+    book.lib.SaveDelPunGps(book.lib.GetPunAt(0, 0));
+    journal.EndEdit();
+    add("edit");
+    book.lib.SaveDelGrpGps(book.lib.GetGrpAt(0));
+    add("deletion");
+    corpus.Add("journal", "torn", fuzz::MakeInput(kNewest, 0, BytesOf(file).substr(0, 500)));
+    std::string damaged = BytesOf(file);
+    damaged[300] = static_cast<char>(damaged[300] ^ 1);
+    corpus.Add("journal", "damaged", fuzz::MakeInput(kNewest, 0, damaged));
+    book.lib.SetTmpJournal(nullptr);
+    journal.Remove();
+}
+
 void AddContainers(Corpus& corpus) {
     const std::filesystem::path folder = corpus.Folder("container");
     for (const short version : {short{743}, short{1400}}) {
@@ -132,6 +198,15 @@ void AddContainers(Corpus& corpus) {
     }
 }
 
+void AddStations(Corpus& corpus) {
+    const std::string head = "id,name,country,region,province,x,y,z,frame,epoch,vx,vy,vz,source\n";
+    corpus.Add("stations", "one",
+               head + "UDIN,Udine,ITA,,UD,4316423.2699,1014588.7009,4569607.1405,ETRF2000,2008.0,,,,page\n");
+    corpus.Add("stations", "quoted",
+               head + "\"#A\",\"a \"\"b\"\", c\",ESP,,x,5103282,-392096,3793146,IGb14,,0.1,-0.2,1e-3,\r\n");
+    corpus.Add("stations", "other_order", "\xEF\xBB\xBF# no more\n\nframe,Z_m,Y,x,id4,z\nx,1,2,3,a,5\n");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -143,6 +218,9 @@ int main(int argc, char** argv) {
     Corpus corpus(argv[1]);
     AddSections(corpus);
     AddRecords(corpus);
+    AddExchangeFiles(corpus);
+    AddJournals(corpus);
     AddContainers(corpus);
+    AddStations(corpus);
     return corpus.IsGood() ? 0 : 1;
 }

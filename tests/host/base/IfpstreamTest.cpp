@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/base/ofpstream.h"
 #include "tests/Bytes.h"
 #include "tests/TempFolder.h"
 #include "tests/host/base/StreamParts.h"
@@ -471,6 +472,58 @@ TEST(Ifpstream, FileThatShrinksIsAnEarlyEnd) {
     EXPECT_EQ(in.ReadInt(), 0);
     EXPECT_FALSE(in.IsOk());
     EXPECT_EQ(in.GetFailPosition(), 4);
+}
+
+// --- marker ------------------------------------------------------------------------------------------------
+
+TEST(Ifpstream, MarkerTellsTwoFacts) {
+    struct Row {
+        const char* bytes;
+        bool flag, known;
+    };
+    for (const Row& row :
+         {Row{"3a01010000", false, true}, Row{"3a01010001", false, false}, Row{"3a00010000", false, false},
+          Row{"4a01010000", true, true}, Row{"0001010000", true, true}, Row{"ffffffffff", true, false}}) {
+        Memory m(Bytes().Hex(row.bytes).U8(9));
+        m.in.ReadMarker();
+        EXPECT_EQ(m.in.GetHeaderFlag(), row.flag) << row.bytes;
+        EXPECT_EQ(m.in.HasKnownMarker(), row.known) << row.bytes;
+        EXPECT_TRUE(m.in.IsOk()) << "whatever it is";
+        EXPECT_EQ(m.in.ReadUChar(), 9);
+    }
+}
+
+TEST(Ifpstream, MarkerThatIsNotWholeRaisesNoFlag) {
+    for (int size = 0; size < 5; ++size) {
+        Memory m(std::string(static_cast<std::size_t>(size), 'J'));
+        m.in.SetHeaderFlag(true);
+        m.in.ReadMarker();
+        EXPECT_FALSE(m.in.GetHeaderFlag()) << size;
+        EXPECT_FALSE(m.in.HasKnownMarker()) << size;
+        EXPECT_FALSE(m.in.IsOk()) << size;
+    }
+}
+
+TEST(Ifpstream, HeaderFlagIsDownAtFirstAndCanBeSet) {
+    Memory m("J");
+    EXPECT_FALSE(m.in.GetHeaderFlag());
+    EXPECT_FALSE(m.in.HasKnownMarker());
+    m.in.SetHeaderFlag(true);
+    EXPECT_TRUE(m.in.GetHeaderFlag());
+    EXPECT_EQ(m.in.GetPosition(), 0) << "nothing is read for it";
+    m.in.SetHeaderFlag(false);
+    EXPECT_FALSE(m.in.GetHeaderFlag());
+}
+
+TEST(Ifpstream, MarkerOfAWrittenFileIsKnown) {
+    const TempFolder folder;
+    const std::string path = folder / "stream";
+    ofpstream(path.c_str(), 1400, "FCP").WriteInt(12);
+    ifpstream in(path.c_str(), 1400);
+    in.ReadMarker();
+    EXPECT_FALSE(in.GetHeaderFlag());
+    EXPECT_TRUE(in.HasKnownMarker());
+    EXPECT_EQ(in.ReadInt(), 12);
 }
 
 }  // namespace

@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
+#include "platform/base/ofpstream.h"
 #include "tests/host/base/VirtualSlot.h"
 
 namespace {
@@ -67,6 +71,87 @@ TEST(LibGen, CopyHasFlagsAndNameButNoListener) {
     EXPECT_EQ(assigned.GetNomeFile(), "a.prj");
     assigned.Notify(1, 1, nullptr);
     EXPECT_EQ(told, 0);
+}
+
+// --- journal -----------------------------------------------------------------------------------------------
+
+/// One stream for all entries, and who asked for them.
+struct OneStreamJournal : TmpJournal {
+    ofpstream* Open(const char* file, int code) override {
+        opened.emplace_back(file, code);
+        return gives ? &stream : nullptr;
+    }
+    void Close(ofpstream* entry) override { closed.push_back(entry); }
+
+    bool gives = true;
+    ofpstream stream{1400};
+    std::vector<std::pair<std::string, int>> opened;
+    std::vector<ofpstream*> closed;
+};
+
+TEST(LibGen, EntryIsTheJournalsOwnStream) {
+    OneStreamJournal journal;
+    CLibGen lib;
+    lib.SetTmpJournal(&journal);
+    EXPECT_EQ(lib.GetTmpJournal(), &journal);
+    EXPECT_EQ(lib.GetFileOutTmp("a.prj", 3002), &journal.stream);
+    EXPECT_EQ(journal.opened, (std::vector<std::pair<std::string, int>>{{"a.prj", 3002}}));
+    EXPECT_TRUE(journal.closed.empty());
+    lib.CloseFileOutTmp(&journal.stream);
+    EXPECT_EQ(journal.closed, std::vector<ofpstream*>{&journal.stream});
+}
+
+TEST(LibGen, WithoutJournalThereAreNoEntries) {
+    CLibGen lib;
+    EXPECT_EQ(lib.GetTmpJournal(), nullptr);
+    EXPECT_EQ(lib.GetFileOutTmp("a.prj", 3001), nullptr);
+    ofpstream stray(1400);
+    lib.CloseFileOutTmp(&stray);
+    lib.CloseFileOutTmp(nullptr);
+}
+
+TEST(LibGen, WithoutFileNameTheJournalIsNotAsked) {
+    OneStreamJournal journal;
+    CLibGen lib;
+    lib.SetTmpJournal(&journal);
+    EXPECT_EQ(lib.GetFileOutTmp("", 3001), nullptr);
+    EXPECT_EQ(lib.GetFileOutTmp(nullptr, 3001), nullptr);
+    EXPECT_TRUE(journal.opened.empty());
+}
+
+TEST(LibGen, EntryThatTheJournalRefusesIsNotClosed) {
+    OneStreamJournal journal;
+    journal.gives = false;
+    CLibGen lib;
+    lib.SetTmpJournal(&journal);
+    ofpstream* const entry = lib.GetFileOutTmp("a.prj", 3001);
+    EXPECT_EQ(entry, nullptr);
+    lib.CloseFileOutTmp(entry);
+    EXPECT_TRUE(journal.closed.empty());
+}
+
+TEST(LibGen, CopyHasNoJournalAndAssignmentKeepsTheTargets) {
+    OneStreamJournal journal, other;
+    CLibGen lib;
+    lib.SetTmpJournal(&journal);
+    const CLibGen copy(lib);
+    EXPECT_EQ(copy.GetTmpJournal(), nullptr);
+    CLibGen target;
+    target = lib;
+    EXPECT_EQ(target.GetTmpJournal(), nullptr);
+    target.SetTmpJournal(&other);
+    target = lib;
+    EXPECT_EQ(target.GetTmpJournal(), &other);
+    EXPECT_EQ(lib.GetTmpJournal(), &journal);
+}
+
+TEST(LibGen, NumbersOfResultsAreFixed) {
+    using Result = CLibGen::TResActionObj;
+    EXPECT_EQ(static_cast<int>(Result::done), 0);
+    EXPECT_EQ(static_cast<int>(Result::notCreated), 1);
+    EXPECT_EQ(static_cast<int>(Result::notOpened), 2);
+    EXPECT_EQ(static_cast<int>(Result::notInserted), 3);
+    EXPECT_EQ(static_cast<int>(Result::noPlaneCoordinates), 4);
 }
 
 // Its one new operation tells how many entries the base's table has.

@@ -285,4 +285,58 @@ TEST(Ofpstream, FullDiskIsAFailure) {
     EXPECT_EQ(out.GetError(), ENOSPC);
 }
 
+// --- marker and signature ----------------------------------------------------------------------------------
+
+TEST(Ofpstream, FileWithASignatureBeginsWithTheMarker) {
+    const TempFolder folder;
+    const std::string path = folder / "stream";
+    {
+        ofpstream out(path.c_str(), 1400, "FCP");
+        ASSERT_TRUE(out.IsOk());
+        EXPECT_EQ(out.GetSignature(), "FCP");
+        EXPECT_EQ(out.GetVersion(), 1400);
+        EXPECT_EQ(out.GetPosition(), 5);
+        out.WriteShort(7);
+        EXPECT_TRUE(out.Close());
+    }
+    EXPECT_EQ(Dump(test::FileBytes(path)), Dump(Bytes().Hex("3a01010000 0700").Get()))
+        << "the signature itself is not written";
+}
+
+TEST(Ofpstream, WithoutASignatureThereIsNoMarker) {
+    const TempFolder folder;
+    const std::string path = folder / "stream";
+    {
+        ofpstream out(path.c_str(), 1400);
+        EXPECT_EQ(out.GetSignature(), "");
+        EXPECT_EQ(out.GetPosition(), 0);
+    }
+    EXPECT_EQ(test::FileBytes(path), "");
+    const ofpstream memory(1400);
+    EXPECT_EQ(memory.GetSignature(), "");
+    EXPECT_EQ(memory.GetBytes(), "");
+}
+
+TEST(Ofpstream, MarkerOfAFileThatCannotBeMadeIsDropped) {
+    const TempFolder folder;
+    ofpstream out((folder / "missing/stream").c_str(), 1400, "FCP");
+    EXPECT_FALSE(out.IsOk());
+    EXPECT_EQ(out.GetError(), ENOENT);
+    EXPECT_FALSE(out.Close());
+}
+
+TEST(Ofpstream, ClearedMemoryIsEmptyAndTakesBytesAgain) {
+    ofpstream out(1400);
+    out.Clear();
+    EXPECT_EQ(out.GetBytes(), "");
+    for (int i = 0; i < 10'000; ++i) out.WriteInt(i);
+    const char* const room = out.GetBytes().data();
+    out.Clear();
+    EXPECT_EQ(out.GetBytes(), "");
+    EXPECT_EQ(out.GetPosition(), 0);
+    out.WriteShort(0x1234);
+    EXPECT_EQ(out.GetBytes(), "\x34\x12");
+    EXPECT_EQ(out.GetBytes().data(), room) << "the room is kept";
+}
+
 }  // namespace

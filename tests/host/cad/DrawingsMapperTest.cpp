@@ -35,6 +35,17 @@ TEST(DrawingsMapper, LaterEntryReplacesTheFormer) {
     EXPECT_EQ(mapper.GetDrawing(5), 2);
 }
 
+TEST(DrawingsMapper, KeepingOneAnswersAnUnknownOneWithItself) {
+    constexpr long long low = std::numeric_limits<long long>::min();
+    CDrawingsMapper mapper = CDrawingsMapper::KeepingUnknown();
+    EXPECT_EQ(mapper.GetDrawing(7), 7);
+    EXPECT_EQ(mapper.GetDrawing(low), low);
+    EXPECT_EQ(mapper.GetDrawing(0), 0);
+    EXPECT_EQ(mapper.GetDefaultDrawing(), 0);
+    mapper.SetDrawing(7, 1007);
+    EXPECT_EQ(mapper.GetDrawing(7), 1007);
+}
+
 TEST(DrawingsMapper, KeepsAll64Bits) {
     constexpr long long big = std::numeric_limits<long long>::max();
     constexpr long long low = std::numeric_limits<long long>::min();
