@@ -39,6 +39,7 @@ inline constexpr std::int64_t kBlock = 4096;
 inline constexpr std::string_view kGpsSection = "gps";
 inline constexpr std::string_view kMapSection = "map";
 inline constexpr std::string_view kSettingsSection = "project";
+inline constexpr std::string_view kJournalSection = "journal";
 
 constexpr std::int64_t BlocksOf(std::int64_t length) { return (length + kBlock - 1) / kBlock; }
 

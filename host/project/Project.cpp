@@ -21,6 +21,11 @@ bool IsThere(FileOperations& files, const std::string& path) {
     return files.GetFacts(path, facts) == 0 && facts.regular;
 }
 
+bool IsSameFileStill(FileOperations& files, const std::string& target, const FileOperations::Facts& former) {
+    FileOperations::Facts now;
+    return files.GetFacts(target, now) == 0 && now.IsSameContent(former);
+}
+
 /// The file itself. Errors: one that is not there, is no file, or is not meant to be opened.
 std::string ExistingFile(FileOperations& files, const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos)
@@ -45,6 +50,10 @@ std::string ExistingFile(FileOperations& files, const std::string& path) {
         throw ProjectError(Kind::damaged,
                            path + ": is what an interrupted save has left, and no project; open " +
                                target.substr(0, target.size() - std::string(kSavingEnding).size()));
+    if (target.ends_with(kJournalEnding))
+        throw ProjectError(Kind::damaged,
+                           path + ": is the journal of a project; open " +
+                               target.substr(0, target.size() - std::string(kJournalEnding).size()));
     return target;
 }
 
@@ -56,9 +65,18 @@ Project::Project(short streamVersion, FileOperations& files)
     : files_(files),
       map_(std::make_unique<CLibMap>()),
       book_(std::make_unique<CLibGps>(nullptr, nullptr, nullptr, map_.get(), 0)),
+      journalFile_(files),
+      edits_(*book_),
       version_(streamVersion) {}
 
-Project::~Project() = default;
+Project::~Project() {
+    // An edit that was not ended does not count: nothing of it needs to stay on the disk.
+    if (writer_ && writer_->IsInEdit()) {
+        while (writer_->IsInEdit()) writer_->DropEdit();
+        if (writer_->GetDurableSequence() == 0) writer_->Remove();
+    }
+    book_->SetTmpJournal(nullptr);
+}
 
 std::unique_ptr<Project> Project::Open(const std::string& path, Mode mode) {
     return Open(path, mode, FileOperations::System());
@@ -66,13 +84,29 @@ std::unique_ptr<Project> Project::Open(const std::string& path, Mode mode) {
 
 std::unique_ptr<Project> Project::Open(const std::string& path, Mode mode, FileOperations& files) {
     const std::string target = ExistingFile(files, path);
-    const bool write = mode == Mode::write;
+    const bool write = mode != Mode::read;
     std::unique_ptr<ProjectLock> lock = write ? std::make_unique<ProjectLock>(files, target) : nullptr;
     if (write) {
         if (const int error = files.CheckWritable(target))
             throw SystemError(path, "may not be written", error);
     }
 
+    std::unique_ptr<Project> project = OpenOnce(path, target, mode, files);
+    // A program that writes the book may have saved it between the reading of file and journal.
+    constexpr int kTries = 5;
+    for (int i = 1; !write && i < kTries && !IsSameFileStill(files, target, project->opened_->facts); ++i)
+        project = OpenOnce(path, target, mode, files);
+    project->readOnly_ = !write || project->report_.IsDamaged();
+    if (!project->readOnly_) {
+        project->lock_ = std::move(lock);
+        project->GoOnWith(project->NewJournal(path, target, project->opened_->sections));
+        if (mode == Mode::write) project->SaveReplayed();
+    }
+    return project;
+}
+
+std::unique_ptr<Project> Project::OpenOnce(const std::string& path, const std::string& target, Mode mode,
+                                           FileOperations& files) {
     OwnedFile file(files);
     FileOperations::Facts facts;
     int error = files.Open(target, FileOperations::How::read, 0, file.number);
@@ -94,9 +128,9 @@ std::unique_ptr<Project> Project::Open(const std::string& path, Mode mode, FileO
         throw ProjectError(Kind::damaged,
                            std::string(e.what()) + "; the book as it was saved before is " + backup);
     }
+    // Edits are only certain on the book that they were made on.
+    if (!project->report_.IsDamaged()) project->ReplayJournal(mode);
     if (project->report_.IsDamaged() && IsThere(files, backup)) project->report_.backup = backup;
-    project->readOnly_ = !write || project->report_.IsDamaged();
-    if (!project->readOnly_) project->lock_ = std::move(lock);
     return project;
 }
 

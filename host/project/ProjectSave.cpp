@@ -50,7 +50,8 @@ void Verify(FileOperations& files, int file, const ContainerWriter& writer, cons
 
 }  // namespace
 
-void Project::WriteSections(ContainerWriter& writer, const std::string& path, const std::string& target) {
+void Project::WriteSections(ContainerWriter& writer, const JournalMark& mark, const std::string& path,
+                            const std::string& target) {
     const auto need = [&](int error) {
         if (error != 0) throw SystemError(target, "cannot be saved, the file is as it was", error);
     };
@@ -60,6 +61,9 @@ void Project::WriteSections(ContainerWriter& writer, const std::string& path, co
     if (version_ >= kVerDisegni)
         need(writer.Section(std::string(kMapSection), version_, 0,
                             [&](ofpstream& out) { map_->SalvaInFile(out, version_); }));
+    if (mark.id != 0)
+        need(writer.Section(std::string(kJournalSection), version_, 0,
+                            [&](ofpstream& out) { WriteMark(out, mark); }));
     for (const KeptSection& kept : kept_)
         need(writer.Section(kept.name, kept.version, kept.items, [&](ofpstream& out) {
             out.WriteBytes(kept.content.data(), kept.content.size());
@@ -89,9 +93,11 @@ void Project::SaveTo(const std::string& givenPath, const SaveTarget& givenTarget
     std::vector<std::string> notes = NotHeldBy(*this, version_);
     NotedOfSave noted(*book_);
 
+    const JournalMark mark = MarkNow();
+
     SafeReplace pending(files_, target, givenTarget.former);
     ContainerWriter writer(files_, pending.GetFile());
-    WriteSections(writer, path, target);
+    WriteSections(writer, mark, path, target);
     pending.Sync();
     Verify(files_, pending.GetFile(), writer, path);
     if (FileOperations::Facts now;
@@ -100,9 +106,28 @@ void Project::SaveTo(const std::string& givenPath, const SaveTarget& givenTarget
             Kind::changedOutside,
             path + ": another program has changed it during the save; save under another name");
     OpenedFile saved{{}, writer.GetEntries()};
+    std::unique_ptr<JournalWriter> journal = NewJournal(path, target, saved.sections);
+    const std::string journalPath = target + kJournalEnding;
+    const std::string journalOfFormer = target + kBackupEnding + kJournalEnding;
+    const bool elsewhere = target != target_;
 
     const int notSynced = pending.Place();
     noted.Stays();
+    mark_ = mark;
+    if (notSynced == 0) {
+        // The edits are in the file. A journal of another book that stood under this name goes with its
+        // backup.
+        if (writer_) writer_->Remove();
+        if (elsewhere) {
+            files_.Rename(journalPath, journalOfFormer);
+        } else {
+            files_.Unlink(journalPath);
+            files_.Unlink(journalOfFormer);
+        }
+        GoOnWith(std::move(journal));
+    } else if (elsewhere || !writer_) {
+        GoOnWith(std::move(journal));
+    }  // else the old journal goes on: it follows the former file, should that come back, and the new one
     files_.GetFacts(target, saved.facts);
     opened_ = std::move(saved);
     path_ = std::move(path);

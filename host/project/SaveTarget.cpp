@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "host/project/FileMessage.h"
+#include "host/project/JournalFile.h"
 #include "host/project/SafeReplace.h"
 
 namespace gpsproject {
@@ -14,9 +15,9 @@ SaveTarget FindSaveTarget(FileOperations& files, const std::string& name, bool o
                            "the name of the file is empty or holds a zero byte; give another one");
     SaveTarget target;
     if (const int error = files.Resolve(name, target.path)) throw SystemError(name, "cannot be saved", error);
-    if (target.path.ends_with(kSavingEnding))
-        throw ProjectError(Kind::exists,
-                           name + ": names with this ending are kept for saving; choose another");
+    if (target.path.ends_with(kSavingEnding) || target.path.ends_with(kJournalEnding))
+        throw ProjectError(
+            Kind::exists, name + ": names with this ending are kept for saving and journals; choose another");
     FileOperations::Facts facts;
     int error = files.GetFacts(target.path, facts);
     if (error == ENOENT) return target;

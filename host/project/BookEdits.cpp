@@ -1,0 +1,123 @@
+#include "host/project/BookEdits.h"
+
+#include "gps/model/CLibGps.h"
+#include "gps/options/COpzPostProc.h"
+#include "host/project/EditCodes.h"
+#include "host/project/FileMessage.h"
+#include "host/project/SettingsRecord.h"
+#include "platform/base/ofpstream.h"
+#include "platform/coord/CLibMap.h"
+
+namespace gpsproject {
+
+void BookEdits::Begin() {
+    if (writer_) writer_->BeginEdit();
+}
+
+void BookEdits::End() {
+    if (writer_) writer_->EndEdit();
+}
+
+template <class Write>
+void BookEdits::Note(int code, Write write) {
+    if (!writer_) return;
+    ofpstream* entry = book_.GetFileOutTmp(book_.GetNomeFile().c_str(), code);
+    if (!entry) return;
+    try {
+        write(*entry);
+    } catch (...) {
+        writer_->Discard(entry);
+        throw;
+    }
+    book_.CloseFileOutTmp(entry);
+}
+
+void BookEdits::GroupInserted(int g) {
+    // The field book's own entry appends: it says nothing of a place in front of others.
+    if (g + 1 < book_.GetGrpArSize()) Note(kGroupInserted, [&](ofpstream& out) { out.WriteInt(g); });
+    GroupChanged(g);
+}
+
+void BookEdits::GroupChanged(int g) {
+    if (writer_) book_.SaveTmpGrpGps(book_.GetGrpAt(g), nullptr);
+}
+
+void BookEdits::PointInserted(int g, int p) {
+    if (p + 1 < book_.GetPunArSize(g)) {
+        Note(kPointInserted, [&](ofpstream& out) {
+            out.WriteInt(g);
+            out.WriteInt(p);
+        });
+    }
+    PointChanged(g, p);
+}
+
+void BookEdits::PointChanged(int g, int p) {
+    if (writer_) book_.SaveTmpPunGps(book_.GetPunAt(g, p));
+}
+
+void BookEdits::GroupsSwapped(int i, int j) {
+    Note(kGroupsSwapped, [&](ofpstream& out) {
+        out.WriteInt(i);
+        out.WriteInt(j);
+    });
+}
+
+void BookEdits::PointsSwapped(int g, int i, int j) {
+    Note(kPointsSwapped, [&](ofpstream& out) {
+        out.WriteInt(g);
+        out.WriteInt(i);
+        out.WriteInt(j);
+    });
+}
+
+void BookEdits::OptionsChanged() {
+    Note(kOptionsChanged, [&](ofpstream& out) {
+        book_.GetOpzLibGps().SalvaInFile(out, out.GetVersion());
+        book_.GetOpzListDisGps().SalvaInFile(out, out.GetVersion(), nullptr);
+        out.WriteUChar(book_.HasOpzPostProc() ? 1 : 0);
+        if (book_.HasOpzPostProc()) book_.GetOpzPostProc()->SalvaInFile(out);
+    });
+}
+
+void BookEdits::MapChanged() {
+    Note(kMapChanged, [&](ofpstream& out) { book_.GetArchLibMap()->SalvaInFile(out, out.GetVersion()); });
+}
+
+void BookEdits::SettingsChanged(const std::map<std::string, std::string>& settings) {
+    Note(kSettingsChanged, [&](ofpstream& out) { WriteSettings(out, settings); });
+}
+
+void BookEdits::VersionChanged(short version) {
+    Note(kVersionChanged, [&](ofpstream& out) { out.WriteShort(version); });
+}
+
+void BookEdits::DeletingGroup(int g) {
+    if (writer_) book_.SaveDelGrpGps(book_.GetGrpAt(g));
+}
+
+void BookEdits::DeletingPoint(int g, int p) {
+    if (writer_) book_.SaveDelPunGps(book_.GetPunAt(g, p));
+}
+
+void BookEdits::Commit() {
+    if (!writer_) return;
+    if (const int error = writer_->Commit())
+        throw SystemError(book_.GetNomeFile(), "its journal cannot be written: what was edited is not stored",
+                          error);
+}
+
+bool BookEdits::CommitIfDue() {
+    if (!writer_) return true;
+    if (writer_->IsDue()) Commit();
+    return writer_->GetDurableSequence() == writer_->GetLastSequence();
+}
+
+std::int64_t BookEdits::GetStoredSize() const { return writer_ ? writer_->GetSize() : 0; }
+
+std::optional<std::chrono::nanoseconds> BookEdits::TimeToDue() const {
+    if (!writer_) return std::nullopt;
+    return writer_->TimeToDue();
+}
+
+}  // namespace gpsproject
