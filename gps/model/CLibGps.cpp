@@ -1,5 +1,6 @@
 #include "gps/model/CLibGps.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -225,8 +226,15 @@ void CLibGps::PunGpsSwap(int g, int i, int j) noexcept {
     for (const int at : {i, j}) index_.Set(list[static_cast<std::size_t>(at)], g, group.moves_.Noted(at));
 }
 
-// --- the current group and point
-// -----------------------------------------------------------------------------
+// The points of group g from `first` on were appended, and belong at `at`, in front of the others.
+void CLibGps::PlacePunTail(int g, int first, int at) {
+    std::vector<CPunGps*>& list = PunList(g);
+    if (at == first || first == GetPunArSize(g)) return;
+    std::rotate(list.begin() + at, list.begin() + first, list.end());
+    if (!index_.IsEmpty()) IndexGroup(g);
+}
+
+// --- the current group and point ---------------------------------------------------------------------------
 
 CGrpGps* CLibGps::GetCurrGrp() const {
     const bool isCloud = GetCloudProject() && GetCloudProject()->IsCloud();

@@ -1,6 +1,7 @@
 // CLibGps: the GPS field book of a project.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "gps/GpsExport.h"
@@ -164,6 +165,56 @@ public:
     void LeggeDaFile(ifpstream& in, bool loadOptions, bool addEntities, short version, const char* file,
                      CDrawingsMapper& drawings);
 
+    // --- journal between two saves (gps/persist)
+    // ------------------------------------------------------------
+
+    /// Each notes one item in the journal (CLibGen::SetTmpJournal) of the project's file: the record of a
+    /// changed group or point, or that one is about to be deleted. Nothing is noted of an item that the field
+    /// book does not hold (null is none), nor without a journal.
+    /// An entry names positions, not items: replay goes in the order of writing.
+    void SaveTmpGrpGps(CGrpGps* group, vex::CPtr64Mapper* mapper);
+    void SaveTmpPunGps(CPunGps* point);
+    void SaveDelGrpGps(CGrpGps* group);
+    void SaveDelPunGps(CPunGps* point);
+
+    /// Each replays one entry: the stream stands at its version, and has the header flag of a journal
+    /// (ifpstream::GetHeaderFlag). With `apply` false, or without that flag, the entry is read and the field
+    /// book stays as it was. An entry of a version that is not known is refused with nothing read but that.
+    /// A changed item overwrites the one at its position; positions that are missing up to it are filled with
+    /// empty items, none for a negative one. What is applied sets the modified flag.
+
+    /// True when the entry was applied, or was not to be.
+    bool LoadTmpGrpGps(ifpstream& in, bool apply, CDrawingsMapper& drawings);
+    bool LoadDelGrpGps(ifpstream& in, bool apply);
+
+    /// The point that was changed, else null.
+    CEgn* LoadTmpPunGps(ifpstream& in, bool apply);
+
+    /// The address that the deleted point had: to know it by, not to look into. Null when nothing was
+    /// applied. `gisHandle` becomes the point's GIS handle, or 0.
+    CEgn* LoadDelPunGps(ifpstream& in, bool apply, int& gisHandle);
+
+    // --- exchange files (gps/persist)
+    // -----------------------------------------------------------------------
+
+    /// Writes the points of a group, or the groups with their points, at positions `first` up to but not
+    /// including `last` into a new file. Intended: the count in it is last - first even where there are
+    /// fewer. notCreated also when not everything could be written: the file is then of no use.
+    TResActionObj SalvaPuntiInFile(int g, int first, int last, const std::string& file);
+    TResActionObj SalvaGruppoInFile(int first, int last, const std::string& file, vex::CPtr64Mapper* mapper);
+
+    /// Inserts the points of a file into group g behind position `after` (-1: in front of all). With
+    /// `fromPlane` 0 their plane coordinates are computed from their fixes, else their fixes from the plane
+    /// coordinates; noPlaneCoordinates then names points that have none. Each is marked for the cloud.
+    /// Intended: an insertion that fails (notInserted) skips the position and not the record, and the last
+    /// code wins. A damaged file is not recognised: who wants to know reads it into another book before.
+    TResActionObj CaricaPuntiDaFile(int fromPlane, int g, int after, const std::string& file);
+
+    /// Inserts the groups of a file behind position `after`. They get the field book's target drawing.
+    /// Intended: a mode other than 0 does nothing and answers done.
+    TResActionObj CaricaGruppoDaFile(short mode, int after, const std::string& file,
+                                     CDrawingsMapper& drawings);
+
     // --- options -------------------------------------------------------------------------------------------
 
     COpzLibGps& GetOpzLibGps() { return OpzLib; }
@@ -207,6 +258,12 @@ private:
     void LeggeTutteLeEnt(ifpstream& in, bool addEntities, short version, CDrawingsMapper& drawings);
     void SalvaOpzPostProc(ofpstream& out);
     void LeggeOpzPostProc(ifpstream& in, bool loadOptions);
+
+    CGrpGps* GrpToReplay(int g);
+    CPunGps* PunToReplay(int g, int p);
+
+    class PunRun;
+    void PlacePunTail(int g, int first, int at);
 
     COpzLibGps OpzLib;
     COpzListDisGps OpzListDis;

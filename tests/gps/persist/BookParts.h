@@ -2,8 +2,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "gps/model/CLibGps.h"
+#include "gps/options/COpzPostProc.h"
 #include "platform/base/ifpstream.h"
 #include "platform/base/ofpstream.h"
 #include "platform/cad/CDrawingsMapper.h"
@@ -43,6 +45,40 @@ inline bool Read(CLibGps& book, const std::string& section, short version, short
 }
 inline bool Read(CLibGps& book, const std::string& section, short version, Load load = {}) {
     return Read(book, section, version, version, load);
+}
+
+/// Groups named G0, G1 …, points P0, P1 … in each.
+inline void Fill(CLibGps& book, const std::vector<int>& sizes) {
+    for (std::size_t g = 0; g < sizes.size(); ++g) {
+        CGrpGps* group = book.AddGrp(false);
+        group->SetNomeGrp("G" + std::to_string(g));
+        for (int p = 0; p < sizes[g]; ++p)
+            book.AddPun(book.GetGrpArSize() - 1, false)->SetNome("P" + std::to_string(p));
+    }
+}
+
+/// "G0(P0 P1) G1()".
+inline std::string Shape(const CLibGps& book) {
+    std::string shape;
+    for (int g = 0; g < book.GetGrpArSize(); ++g) {
+        shape += (g > 0 ? " " : "") + book.GetGrpAt(g)->GetNomeGrp() + "(";
+        for (int p = 0; p < book.GetPunArSize(g); ++p)
+            shape += (p > 0 ? " " : "") + book.GetPunAt(g, p)->GetNome();
+        shape += ")";
+    }
+    return shape;
+}
+
+/// A value other than the default in each of the three kinds of options, and a file in each list.
+inline void SetOptions(CLibGps& book) {
+    book.GetOpzLibGps().OpzValore = 17;
+    book.GetOpzLibGps().CalcLibCmp = false;
+    book.GetOpzLibGps().OpzFlagA = true;
+    book.GetOpzListDisGps().GetOpzPun().SetColSimb(12);
+    book.GetOpzListDisGps().GetOpzGrp().SetColNome(13);
+    book.GetOpzPostProc()->AddDataPtBaseLineDett("rover");
+    book.GetOpzPostProc()->AddDataPtBaseLineBase("base");
+    book.GetOpzPostProc()->ParPostProc.wPar1 = 99;
 }
 
 }  // namespace test

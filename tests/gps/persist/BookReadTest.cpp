@@ -3,9 +3,7 @@
 
 #include <limits>
 #include <string>
-#include <vector>
 
-#include "gps/options/COpzPostProc.h"
 #include "tests/Bytes.h"
 #include "tests/gps/model/Book.h"
 #include "tests/gps/model/ChangeWatch.h"
@@ -17,11 +15,13 @@ namespace {
 using test::Book;
 using test::Bytes;
 using test::DrawingWatch;
-using test::Dump;
+using test::Fill;
 using test::Load;
 using test::LooseBook;
 using test::Read;
 using test::Section;
+using test::SetOptions;
+using test::Shape;
 using Calls = DrawingWatch::Calls;
 
 constexpr long long kSavedBook = 1000, kSavedGroup = 1001;
@@ -32,28 +32,6 @@ CDrawingsMapper Drawings() {
     drawings.SetDrawing(kSavedBook, kLiveBook);
     drawings.SetDrawing(kSavedGroup, kLiveGroup);
     return drawings;
-}
-
-/// Groups named G0, G1 …, points P0, P1 … in each.
-void Fill(CLibGps& book, const std::vector<int>& sizes) {
-    for (std::size_t g = 0; g < sizes.size(); ++g) {
-        CGrpGps* group = book.AddGrp(false);
-        group->SetNomeGrp("G" + std::to_string(g));
-        for (int p = 0; p < sizes[g]; ++p)
-            book.AddPun(book.GetGrpArSize() - 1, false)->SetNome("P" + std::to_string(p));
-    }
-}
-
-/// "G0(P0 P1) G1()".
-std::string Shape(const CLibGps& book) {
-    std::string shape;
-    for (int g = 0; g < book.GetGrpArSize(); ++g) {
-        shape += (g > 0 ? " " : "") + book.GetGrpAt(g)->GetNomeGrp() + "(";
-        for (int p = 0; p < book.GetPunArSize(g); ++p)
-            shape += (p > 0 ? " " : "") + book.GetPunAt(g, p)->GetNome();
-        shape += ")";
-    }
-    return shape;
 }
 
 // --- what comes back ---------------------------------------------------------------------------------------
@@ -142,6 +120,17 @@ TEST(BookRead, FileNameVersionAndFlagAreKept) {
     }
 }
 
+TEST(BookRead, FileNameIsKeptWhenTheStreamEndsAtOnce) {
+    for (const short version : {short{1003}, short{1400}}) {
+        LooseBook read;
+        ifpstream in("", 0, version);
+        in.SetPastEndLimit(0);
+        CDrawingsMapper drawings;
+        EXPECT_THROW(read.lib.LeggeDaFile(in, true, true, version, "new name", drawings), StreamExhausted);
+        EXPECT_EQ(read.lib.GetNomeFile(), "new name") << version;
+    }
+}
+
 TEST(BookRead, MarkOfModificationStays) {
     for (const bool modified : {true, false}) {
         LooseBook book, read;
@@ -153,17 +142,6 @@ TEST(BookRead, MarkOfModificationStays) {
 }
 
 // --- options -----------------------------------------------------------------------------------------------
-
-void SetOptions(CLibGps& book) {
-    book.GetOpzLibGps().OpzValore = 17;
-    book.GetOpzLibGps().CalcLibCmp = false;
-    book.GetOpzLibGps().OpzFlagA = true;
-    book.GetOpzListDisGps().GetOpzPun().SetColSimb(12);
-    book.GetOpzListDisGps().GetOpzGrp().SetColNome(13);
-    book.GetOpzPostProc()->AddDataPtBaseLineDett("rover");
-    book.GetOpzPostProc()->AddDataPtBaseLineBase("base");
-    book.GetOpzPostProc()->ParPostProc.wPar1 = 99;
-}
 
 TEST(BookRead, OptionsComeBackWithTheFlag) {
     for (const short version : {short{743}, short{1002}, short{1003}, short{1004}, short{1400}}) {
@@ -184,7 +162,8 @@ TEST(BookRead, OptionsComeBackWithTheFlag) {
 }
 
 TEST(BookRead, WithoutTheFlagOptionsArePassedOver) {
-    for (const short version : {short{719}, short{743}, short{1002}, short{1003}, short{1004}, short{1400}}) {
+    for (const short version : test::VersionsAroundThresholds()) {
+        if (version == 742) continue;
         LooseBook book, read;
         SetOptions(book.lib);
         Fill(book.lib, {1, 2});
@@ -196,6 +175,25 @@ TEST(BookRead, WithoutTheFlagOptionsArePassedOver) {
         EXPECT_TRUE(read.lib.GetOpzLibGps().CalcLibCmp);
         EXPECT_EQ(read.lib.GetOpzListDisGps().GetOpzPun().GetColSimb(), 5);
         EXPECT_FALSE(read.lib.HasOpzPostProc());
+    }
+}
+
+TEST(BookRead, WithoutTheFlagThePresentOptionsStay) {
+    for (const short version : {short{1299}, short{1300}, short{1400}}) {
+        LooseBook book, read;
+        SetOptions(book.lib);
+        read.lib.GetOpzLibGps().OpzValore = 3;
+        read.lib.GetOpzListDisGps().GetOpzGrp().SetColNome(4);
+        read.lib.GetOpzPostProc()->ParPostProc.wPar1 = 5;
+        read.lib.GetOpzPostProc()->AddDataPtBaseLineBase("kept");
+        Load load;
+        load.options = false;
+        ASSERT_TRUE(Read(read.lib, Section(book.lib, version), version, load)) << version;
+        EXPECT_EQ(read.lib.GetOpzLibGps().OpzValore, 3);
+        EXPECT_EQ(read.lib.GetOpzListDisGps().GetOpzGrp().GetColNome(), 4);
+        EXPECT_EQ(read.lib.GetOpzPostProc()->ParPostProc.wPar1, 5);
+        EXPECT_EQ(read.lib.GetOpzPostProc()->GetNumPtBaseLineDett(), 0);
+        EXPECT_EQ(read.lib.GetOpzPostProc()->GetNumPtBaseLineBase(), 1);
     }
 }
 
@@ -302,6 +300,24 @@ TEST(BookRead, ItemsThatWereNotSentAreAddedInTheirOrder) {
     EXPECT_EQ(read.points.GetAdded(), (test::Items{read.lib.GetPunAt(0, 0), read.lib.GetPunAt(1, 2),
                                                    read.lib.GetPunAt(1, 1), read.lib.GetPunAt(1, 0)}));
     EXPECT_TRUE(Section(read.lib, 1400) == section);
+}
+
+TEST(BookRead, ItemsFromTheCloudAreNotSentBack) {
+    Book book;
+    CGrpGps* group = book.lib.AddGrp(true);
+    group->SetCloudId(70);
+    book.lib.AddPun(0, true)->SetCloudId(71);
+    book.lib.AddPun(0, true);  // not yet given its id
+    const std::string section = Section(book.lib, 1400);
+    ASSERT_TRUE(book.points.GetAdded().empty());
+    Book read;
+    ASSERT_TRUE(Read(read.lib, section, 1400));
+    EXPECT_TRUE(read.bases.GetAdded().empty());
+    EXPECT_EQ(Find(read.bases, 70, read.lib.GetGrpAt(0)), test::Known::item);
+    EXPECT_EQ(Find(read.points, 71, read.lib.GetPunAt(0, 0)), test::Known::item);
+    EXPECT_EQ(read.points.GetAdded(), test::Items{read.lib.GetPunAt(0, 1)})
+        << "without an id no server knows it";
+    EXPECT_EQ(read.lib.GetPunAt(0, 0)->GetTicket(), 0) << "a ticket is drawn by those that are sent";
 }
 
 TEST(BookRead, SameBookTwiceGivesNewItemsTheSecondTime) {

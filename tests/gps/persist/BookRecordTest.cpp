@@ -106,7 +106,7 @@ TEST(BookRecord, ArgumentAndStreamMayBeOfTwoVersions) {
         short argument, stream;
     };
     for (const Row& row : {Row{1003, 1400}, Row{1400, 1003}, Row{741, 1400}, Row{1400, 741}, Row{1004, 1001},
-                           Row{1001, 1004}, Row{743, 742}}) {
+                           Row{1001, 1004}, Row{743, 742}, Row{742, 741}, Row{741, 742}}) {
         Golden book;
         Bytes expected = book.Head(row.argument, 2).Raw(book.Entities(row.stream));
         if (row.stream >= 1002) expected.U8(0);
@@ -116,8 +116,17 @@ TEST(BookRecord, ArgumentAndStreamMayBeOfTwoVersions) {
     }
 }
 
+TEST(BookRecord, VersionsBeyondTheNewestAreWrittenAsIt) {
+    Golden book;
+    book.lib.GetOpzPostProc()->AddDataPtBaseLineDett("rover.tps");
+    const std::string newest = Section(book.lib, 1400);
+    for (const short version : {short{1401}, short{32767}})
+        EXPECT_EQ(Dump(Section(book.lib, version)), Dump(newest)) << version;
+}
+
 TEST(BookRecord, PostProcessingOptionsFollowWhenThereAreAny) {
-    for (const short version : {short{1001}, short{1002}, short{1003}, short{1400}}) {
+    for (const short version :
+         {short{1001}, short{1002}, short{1003}, short{1299}, short{1300}, short{1400}}) {
         Golden book;
         book.lib.GetOpzPostProc()->AddDataPtBaseLineDett("rover.tps");
         Bytes expected = book.Head(version, 2).Raw(book.Entities(version));

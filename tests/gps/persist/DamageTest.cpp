@@ -2,6 +2,7 @@
 // came of it is a book like any other.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 
@@ -125,9 +126,35 @@ double SecondsToRead(const std::string& section, short version) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
+/// Another program may hold up one of them, or two.
+double FastestOfTen(const std::string& section, short version) {
+    double fastest = SecondsToRead(section, version);
+    for (int i = 1; i < 10; ++i) fastest = std::min(fastest, SecondsToRead(section, version));
+    return fastest;
+}
+
+// A millisecond, and what the checks themselves and a slow build take.
+constexpr double kAtOnce = 0.01;
+
 TEST(Damage, ElevenBytesFullOfLargeCountsEndAtOnce) {
     const std::string section = Bytes().I32(kMost).I32(kMost).Hex("ffff7f");
-    for (const short version : kVersions) EXPECT_LT(SecondsToRead(section, version), 1.0) << version;
+    for (const short version : kVersions) EXPECT_LT(FastestOfTen(section, version), kAtOnce) << version;
+}
+
+TEST(Damage, ShortestSectionWithALargeCountOfGroupsEndsAtOnce) {
+    // Eleven bytes never get as far as the count: drawing, options and an empty display list stand before it.
+    const std::string section = Bytes().I64(0).I16(0).I32(0).I32(0).I32(0).I32(0).I32(0).I32(kMost);
+    ASSERT_EQ(section.size(), 34u);
+    for (const short version : {short{1004}, short{1400}}) {
+        EXPECT_LT(FastestOfTen(section, version), kAtOnce) << version;
+        LooseBook book;
+        ifpstream in(section.data(), section.size(), version);
+        in.SetPastEndLimit(kPastEndLimit);
+        CDrawingsMapper drawings;
+        EXPECT_THROW(book.lib.LeggeDaFile(in, true, true, version, "book", drawings), StreamExhausted);
+        EXPECT_GT(book.lib.GetGrpArSize(), 0) << "the count was reached";
+        EXPECT_LT(book.lib.GetGrpArSize(), kPastEndLimit / 10) << "and not believed";
+    }
 }
 
 TEST(Damage, CountsOfTwoThousandMillionsEndAtOnce) {

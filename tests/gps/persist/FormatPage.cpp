@@ -150,6 +150,12 @@ void PageDecoder::Groups(const std::string& place) {
     }
 }
 
+void PageDecoder::Points(const std::string& place) {
+    const int points = LastCount();
+    for (int p = 0; p < points && !testing::Test::HasFailure(); ++p)
+        Record("Point record", place + "/point " + std::to_string(p));
+}
+
 void PageDecoder::DatumLists(const std::string& place, int lists) {
     for (int i = 0; i < lists && !testing::Test::HasFailure(); ++i) {
         const std::string list = place + "/list " + std::to_string(i);
@@ -165,6 +171,7 @@ void PageDecoder::DatumLists(const std::string& place, int lists) {
 
 void PageDecoder::Row(const PageRow& row, const std::string& place) {
     if (row.type == "G times" && row.field == "group record, count P, P point records") return Groups(place);
+    if (row.type == "N times" && row.field == "point record") return Points(place);
     if (row.type.empty() && row.field == "for each list: selectors (2 i32), count, as many datums")
         return DatumLists(place, LastCount());
     rows_.push_back({place, row.number, row.type, {}});

@@ -46,6 +46,7 @@ private:
     void Row(const PageRow& row, const std::string& place);
     void Values(const std::string& type, std::vector<std::string>& values);
     void Groups(const std::string& place);
+    void Points(const std::string& place);
     void DatumLists(const std::string& place, int lists);
     void Enveloped(const std::string& table, const std::string& place);
     bool IsSimple(const std::string& type) const;

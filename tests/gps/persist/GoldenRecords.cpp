@@ -81,9 +81,10 @@ std::string Join(const std::vector<LayoutRow>& rows, short version) {
 }
 
 const std::vector<short>& VersionsAroundThresholds() {
-    static const std::vector<short> versions = {
-        0,    719,  720,  721,  741,  742,  743,  744,  749,  750,  751,  880,  881,  882,  902,  903, 904,
-        1001, 1002, 1003, 1004, 1005, 1105, 1106, 1107, 1299, 1300, 1301, 1310, 1311, 1312, 1399, 1400};
+    static const std::vector<short> versions = {0,    719,  720,  721,  741,  742,  743,  744,  749,
+                                                750,  751,  880,  881,  882,  902,  903,  904,  1001,
+                                                1002, 1003, 1004, 1005, 1105, 1106, 1107, 1299, 1300,
+                                                1301, 1310, 1311, 1312, 1399, 1400, 1401, 32767};
     return versions;
 }
 

@@ -20,7 +20,8 @@ struct LayoutRow {
 /// The rows that a version has, one after another.
 std::string Join(const std::vector<LayoutRow>& rows, short version);
 
-/// Every version at which a record changes, with the ones before and behind it.
+/// Every version at which a record changes, with the ones before and behind it, and some beyond the newest:
+/// these are written and read as the newest is.
 const std::vector<short>& VersionsAroundThresholds();
 
 void FillGoldenPoint(CPunGps& point);

@@ -9,8 +9,8 @@
 
 #include "gps/options/COpzPostProc.h"
 #include "platform/cad/COrkaEng.h"
+#include "tests/Heap.h"
 #include "tests/gps/model/Book.h"
-#include "tests/gps/model/Heap.h"
 #include "tests/gps/persist/BookParts.h"
 
 namespace {
@@ -171,6 +171,19 @@ TEST(LoadAllocation, RoomThatCannotBeReservedIsNoFailure) {
     EXPECT_EQ(Sizes(book.lib), std::vector<int>(200, 3));
 }
 
+TEST(LoadAllocation, RoomForPointsIsAskedForInTheNewGroup) {
+    test::LooseBook saved;
+    saved.lib.AddGrp(false);
+    for (int p = 0; p < 200; ++p) saved.lib.AddPun(0, false);
+    Book book;
+    book.Fill({5});  // it is not this group that the points come to
+    ASSERT_EQ(
+        ReadWith(book, Section(saved.lib, 1400), 1400, [] { return FailingSize(200 * sizeof(CPunGps*), 0); }),
+        End::inStep);
+    EXPECT_TRUE(FailingHeap::HasFailed()) << "asked for, and gone on without";
+    EXPECT_EQ(Sizes(book.lib), (std::vector<int>{5, 200}));
+}
+
 /// Reads on a heap that refuses large pieces; the limit of the stream ends it.
 void ExpectNoLargePiece(const std::string& section, short version) {
     Book book;
@@ -192,6 +205,9 @@ TEST(LoadAllocation, CountNeverReservesMoreThanTheBytesCouldHold) {
         section.replace(section.size() - 4, 4, most);
         ExpectNoLargePiece(section, 1001);
     }
+    // Where a drawing stands first; then options, an empty display list and the count of groups.
+    const std::string shortest = std::string(8 + 14 + 8, '\0') + most;
+    for (const short version : {short{1004}, short{1400}}) ExpectNoLargePiece(shortest, version);
 }
 
 }  // namespace

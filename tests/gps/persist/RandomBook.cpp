@@ -35,7 +35,7 @@ std::string RandomBook::Text() {
 }
 
 template <class T>
-void RandomBook::Entity(T& egn) {
+void RandomBook::Entity(T& egn, bool fromCloud) {
     egn.SetNome(Text());
     egn.SetSecScri(Text());
     egn.SetCodeEgn(Bits());
@@ -47,7 +47,8 @@ void RandomBook::Entity(T& egn) {
     if (OneIn(4)) egn.SetAttribDis(Text());
     if (OneIn(4)) egn.SetIdentDescr(Short());
     if (OneIn(4)) egn.SetGisHandle(Short());
-    if (OneIn(2)) egn.SetCloudId(++lastId_);
+    // What came from the cloud has an id; without one it would be new to it once it has been read.
+    if (fromCloud || OneIn(2)) egn.SetCloudId(++lastId_);
     if (CCloudTable* table = egn.GetTable(); table && OneIn(2)) table->AddItemToTable(&egn);
     if (OneIn(2)) egn.CloudItemChanged(Bits());
 }
@@ -71,8 +72,8 @@ void RandomBook::Conversion(CConvCoord& conversion) {
     conversion.GetConvAltez()->SetTpProiezPlaEx(Number(8), Real(), Real(), Real(), Real(), Real());
 }
 
-void RandomBook::Group(CGrpGps& group) {
-    Entity(group);
+void RandomBook::Group(CGrpGps& group, bool fromCloud) {
+    Entity(group, fromCloud);
     group.SetNomeGrp(Text());
     group.SetLabels(Text(), Text(), Text(), Text());
     group.SetTargetDrawing(Number(kDrawings));
@@ -94,8 +95,8 @@ void RandomBook::Group(CGrpGps& group) {
     group.SetCloudCreatorDevId(static_cast<int>(Bits()));
 }
 
-void RandomBook::Point(CPunGps& point) {
-    Entity(point);
+void RandomBook::Point(CPunGps& point, bool fromCloud) {
+    Entity(point, fromCloud);
     point.SetLat(Real());
     point.SetLong(Real());
     point.SetElev(Real());
@@ -180,8 +181,12 @@ void RandomBook::Fill(CLibGps& book, CLibMap& map) {
     book.SetTargetDrawing(Number(kDrawings));
     Options(book);
     for (int g = Number(5); g > 0; --g) {
-        Group(*book.AddGrp(false));
-        for (int p = Number(6); p > 0; --p) Point(*book.AddPun(book.GetGrpArSize() - 1, false));
+        const bool groupFromCloud = OneIn(3);
+        Group(*book.AddGrp(groupFromCloud), groupFromCloud);
+        for (int p = Number(6); p > 0; --p) {
+            const bool fromCloud = OneIn(3);
+            Point(*book.AddPun(book.GetGrpArSize() - 1, fromCloud), fromCloud);
+        }
     }
 }
 

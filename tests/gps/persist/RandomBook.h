@@ -12,7 +12,8 @@ class RandomBook {
 public:
     explicit RandomBook(unsigned seed) : random_(seed) {}
 
-    /// Groups, points, options and datums. Cloud ids are unique in the book.
+    /// Groups, points, options and datums; some made here, some come from the cloud. Cloud ids are unique
+    /// in the book.
     void Fill(CLibGps& book, CLibMap& map);
 
     /// A drawing of the book or of its groups is one of these.
@@ -29,10 +30,10 @@ private:
     std::string Text();
 
     template <class T>
-    void Entity(T& egn);
+    void Entity(T& egn, bool fromCloud);
     void Conversion(CConvCoord& conversion);
-    void Group(CGrpGps& group);
-    void Point(CPunGps& point);
+    void Group(CGrpGps& group, bool fromCloud);
+    void Point(CPunGps& point, bool fromCloud);
     void Options(CLibGps& book);
 
     std::mt19937 random_;
