@@ -41,9 +41,10 @@ SettingsChange Changed(const SettingsText& old, const std::string& section, cons
 }
 
 bool Write(const std::string& path, const char* section, const char* key,
-           const std::optional<std::string>& value) {
+           const std::optional<std::string>& value, std::string& kept) {
     return ChangeSettings(
-        path, [&](const SettingsText& old) { return Changed(old, Section(section), Key(key), value); });
+        path, [&](const SettingsText& old) { return Changed(old, Section(section), Key(key), value); },
+        &kept);
 }
 
 template <class Number>
@@ -109,14 +110,27 @@ std::string CIniFile::GetString(const char* section, const char* key, const char
 }
 
 bool CIniFile::WriteString(const char* section, const char* key, const std::string& value) {
-    return Write(path_, section, key, IniTextIn(value, IniPlace::Value));
+    return Write(path_, section, key, IniTextIn(value, IniPlace::Value), kept_);
 }
 
 bool CIniFile::HasValue(const char* section, const char* key) const {
     return Find(path_, section, key).has_value();
 }
 
-bool CIniFile::Remove(const char* section, const char* key) { return Write(path_, section, key, {}); }
+bool CIniFile::Remove(const char* section, const char* key) { return Write(path_, section, key, {}, kept_); }
+
+CIniFile::State CIniFile::GetState() const {
+    switch (ReadSettings(path_).state) {
+        case SettingsText::State::Damaged:
+            return State::Damaged;
+        case SettingsText::State::Refused:
+            return State::Refused;
+        case SettingsText::State::Missing:
+        case SettingsText::State::Readable:
+            break;
+    }
+    return State::Usable;
+}
 
 std::string CIniFile::GetDefaultPath() {
     if (std::string named = Environment("GPS_SURVEY_SETTINGS"); !named.empty()) return named;

@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <memory>
 #include <thread>
+#include <utility>
 
 #include "host/base/FileEnds.h"
 #include "platform/base/fileHelpers.h"
@@ -84,8 +85,8 @@ bool WriteBeside(const std::string& path, const std::string& beside, const std::
 }
 
 // A second name for the old file: it stays when the first name gets the new text.
-bool KeepOld(const std::string& path) {
-    std::string name = path + ".damaged";
+bool KeepOld(const std::string& path, std::string& name) {
+    name = path + ".damaged";
     for (int number = 2; link(path.c_str(), name.c_str()) != 0; ++number) {
         if (errno != EEXIST || number > 99) return false;
         std::array<char, 16> digits{};
@@ -95,9 +96,9 @@ bool KeepOld(const std::string& path) {
     return true;
 }
 
-bool Replace(const std::string& path, const SettingsChange& change) {
+bool Replace(const std::string& path, const SettingsChange& change, std::string& kept) {
     const std::string beside = path + ".tmp";
-    if (!WriteBeside(path, beside, change.text) || (change.keepOld && !KeepOld(path)) ||
+    if (!WriteBeside(path, beside, change.text) || (change.keepOld && !KeepOld(path, kept)) ||
         std::rename(beside.c_str(), path.c_str()) != 0) {
         unlink(beside.c_str());
         return false;
@@ -140,8 +141,8 @@ SettingsText ReadSettings(const std::string& path) {
     return read;
 }
 
-bool ChangeSettings(const std::string& path,
-                    const std::function<SettingsChange(const SettingsText&)>& change) {
+bool ChangeSettings(const std::string& path, const std::function<SettingsChange(const SettingsText&)>& change,
+                    std::string* kept) {
     if (path.empty()) return false;
     const std::string file = Resolved(PercorsoDiSistema(path.c_str()));
     std::error_code failed;
@@ -156,5 +157,8 @@ bool ChangeSettings(const std::string& path,
     if (changed.text == old.text) return true;
     if (changed.text.size() > static_cast<std::size_t>(kLargest)) return false;
     changed.keepOld |= old.state == SettingsText::State::Damaged;
-    return Replace(file, changed);
+    std::string name;
+    if (!Replace(file, changed, name)) return false;
+    if (kept && changed.keepOld) *kept = std::move(name);
+    return true;
 }

@@ -27,6 +27,6 @@ struct SettingsChange {
 /// is then found under its name and ".damaged" (".damaged-2" and so on, if that is there).
 ///
 /// Makes the folder, and writes nothing when the text stays the same. False, with the old file as it was,
-/// when it does not succeed.
-bool ChangeSettings(const std::string& path,
-                    const std::function<SettingsChange(const SettingsText&)>& change);
+/// when it does not succeed. `kept`, which may be null, gets the name of an old text that was kept.
+bool ChangeSettings(const std::string& path, const std::function<SettingsChange(const SettingsText&)>& change,
+                    std::string* kept = nullptr);

@@ -2,5 +2,6 @@
 
 long long CDrawingsMapper::GetDrawing(long long saved) const {
     const auto found = live_.find(saved);
-    return found == live_.end() ? default_ : found->second;
+    if (found != live_.end()) return found->second;
+    return keepsUnknown_ ? saved : default_;
 }

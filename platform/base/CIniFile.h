@@ -46,6 +46,19 @@ public:
     /// Removes a value, so that the default holds again. True also when there was none.
     bool Remove(const char* section, const char* key);
 
+    enum class State {
+        Usable,   // or not there yet
+        Damaged,  // it cannot be settings: reads give defaults, a write begins a new one
+        Refused,  // the system does not give it: reads give defaults, a write fails
+    };
+
+    /// What the file is now.
+    State GetState() const;
+
+    /// Where the last write through this object that had to keep the former file has kept it; empty: none had
+    /// to.
+    const std::string& GetKeptPath() const { return kept_; }
+
     /// The file that it reads and writes.
     const std::string& GetPath() const { return path_; }
 
@@ -56,4 +69,5 @@ public:
 
 private:
     std::string path_;
+    std::string kept_;
 };

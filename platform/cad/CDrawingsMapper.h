@@ -14,7 +14,16 @@ public:
     /// The drawing saved as `saved` is now `live`. A later entry for the same value replaces the former.
     void SetDrawing(long long saved, long long live) { live_[saved] = live; }
 
-    /// The live drawing of a saved value; the default drawing for a value that is not known.
+    /// A map that answers a value that is not known with itself. For a program that has no drawings, but must
+    /// not take from a project those of the program that has them.
+    static CDrawingsMapper KeepingUnknown() {
+        CDrawingsMapper mapper;
+        mapper.keepsUnknown_ = true;
+        return mapper;
+    }
+
+    /// The live drawing of a saved value; the default drawing for a value that is not known, unless the map
+    /// keeps those.
     long long GetDrawing(long long saved) const;
 
     /// Drawing for what was saved without a reference. Default: 0, no drawing.
@@ -22,5 +31,6 @@ public:
 
 private:
     long long default_;
+    bool keepsUnknown_ = false;
     std::unordered_map<long long, long long> live_;
 };
