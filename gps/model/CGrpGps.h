@@ -12,6 +12,7 @@
 #include "gps/model/ListMoves.h"
 #include "gps/model/NomeMinGps.h"
 #include "platform/coord/CConvCoord.h"
+#include "platform/coord/CTrovaNomeBaseGps.h"
 #include "platform/entity/CCloudItem.h"
 #include "platform/entity/CEgn.h"
 
@@ -212,6 +213,36 @@ public:
     void GetGeocCeFaWgs84(double& x, double& y, double& z);
     void GetGeocTerrMis(double& x, double& y, double& z);
     void GetGeocTerrWgs84(double& x, double& y, double& z);
+
+    // --- frame of the base, virtual stations (gps/coords) --------------------------------------------------
+    //
+    // Tags in the secondary text, see FrameTags.h. Texts go through the virtual SetSecScri.
+
+    /// The secondary text has one of the two tags.
+    bool IsBaseEuref() const;
+
+    /// Appends the tag of a kind, BASE_EUREF or BASE_ETRF2000; no tag of any other kind. False, changing
+    /// nothing, when the base has a tag. Intended: true for an unknown kind too; the result tells that the
+    /// base had no tag before.
+    bool SetBaseEuref(int kind);
+
+    /// Removes one tag, first that of ETRF2000; true when there was one.
+    bool ClearBaseEuref();
+
+    /// Removes the tag of a virtual station from every point but the one at `kept`; -1 keeps none. `changed`
+    /// gets the positions of those that had it; true when there is one.
+    bool ClearAllPointVrs(int kept, std::vector<int>& changed);
+
+    // --- the permanent station at the base (gps/coords) ----------------------------------------------------
+    //
+    // Nothing changes when the base has no position, or no station is found there.
+
+    /// Gives the entity, not the group, the name of the station.
+    void SetNomeBaseFromCoord(CTrovaNomeBaseGps::enumProvincia provincia);
+
+    /// The same, and the base gets the station's position first. Intended: only the name is reported, as
+    /// SetGeocCeFaMis reports nothing; a caller that wants the position published reports it itself.
+    void SetNomeCoordBaseFromCoord(CTrovaNomeBaseGps::enumProvincia provincia);
 
     bool operator==(const CGrpGps& other) const { return NomeGrp == other.NomeGrp; }
 

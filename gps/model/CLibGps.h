@@ -165,8 +165,7 @@ public:
     void LeggeDaFile(ifpstream& in, bool loadOptions, bool addEntities, short version, const char* file,
                      CDrawingsMapper& drawings);
 
-    // --- journal between two saves (gps/persist)
-    // ------------------------------------------------------------
+    // --- journal between two saves (gps/persist) -----------------------------------------------------------
 
     /// Each notes one item in the journal (CLibGen::SetTmpJournal) of the project's file: the record of a
     /// changed group or point, or that one is about to be deleted. Nothing is noted of an item that the field
@@ -194,8 +193,7 @@ public:
     /// applied. `gisHandle` becomes the point's GIS handle, or 0.
     CEgn* LoadDelPunGps(ifpstream& in, bool apply, int& gisHandle);
 
-    // --- exchange files (gps/persist)
-    // -----------------------------------------------------------------------
+    // --- exchange files (gps/persist) ----------------------------------------------------------------------
 
     /// Writes the points of a group, or the groups with their points, at positions `first` up to but not
     /// including `last` into a new file. Intended: the count in it is last - first even where there are
@@ -259,6 +257,8 @@ private:
     void SalvaOpzPostProc(ofpstream& out);
     void LeggeOpzPostProc(ifpstream& in, bool loadOptions);
 
+    template <class Write>
+    void NoteEntry(int code, Write write);
     CGrpGps* GrpToReplay(int g);
     CPunGps* PunToReplay(int g, int p);
 

@@ -168,6 +168,17 @@ public:
     void SetGeocBase(double x, double y, double z);
     void GetGeocBase(double& x, double& y, double& z);
 
+    // --- virtual reference station (gps/coords) ------------------------------------------------------------
+
+    /// The secondary text has the tag TAG_VRS.
+    bool IsPointVrs() const;
+
+    /// Appends the tag; false, changing nothing, when it is there.
+    bool SetPointAsVrs();
+
+    /// Removes the first tag; true when there was one.
+    bool ClearPointAsVrs();
+
     // --- project stream (gps/persist) ----------------------------------------------------------------------
 
     /// The point record, by the stream's version. `cloudFlag` goes to the cloud item's record.

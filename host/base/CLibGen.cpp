@@ -40,3 +40,7 @@ ofpstream* CLibGen::GetFileOutTmp(const char* file, int code) {
 void CLibGen::CloseFileOutTmp(ofpstream* entry) {
     if (journal_ && entry) journal_->Close(entry);
 }
+
+void CLibGen::DropFileOutTmp(ofpstream* entry) {
+    if (journal_ && entry) journal_->Discard(entry);
+}

@@ -53,7 +53,7 @@ public:
     void Close(ofpstream* entry) override;
 
     /// Gives an open entry up.
-    void Discard(ofpstream* entry);
+    void Discard(ofpstream* entry) override;
 
     /// Entries from here to the EndEdit that belongs to it come back together or not at all. Edits within an
     /// edit are a part of it. Entries of an unfinished edit are not committed.

@@ -25,11 +25,11 @@ void BookEdits::Note(int code, Write write) {
     if (!entry) return;
     try {
         write(*entry);
+        book_.CloseFileOutTmp(entry);
     } catch (...) {
-        writer_->Discard(entry);
+        book_.DropFileOutTmp(entry);
         throw;
     }
-    book_.CloseFileOutTmp(entry);
 }
 
 void BookEdits::GroupInserted(int g) {

@@ -51,6 +51,9 @@ public:
     ofpstream* GetFileOutTmp(const char* file, int code);
     void CloseFileOutTmp(ofpstream* entry);
 
+    /// In place of it: the entry could not be completed, and nothing of it is noted.
+    void DropFileOutTmp(ofpstream* entry);
+
     /// The host's journal, which must outlive its use here; null (the beginning): nothing is noted.
     void SetTmpJournal(TmpJournal* journal) { journal_ = journal; }
     TmpJournal* GetTmpJournal() const { return journal_; }

@@ -19,4 +19,7 @@ public:
 
     /// Ends the entry that Open began.
     virtual void Close(ofpstream* entry) = 0;
+
+    /// Gives the entry up: nothing of it is noted.
+    virtual void Discard(ofpstream* entry) = 0;
 };

@@ -21,9 +21,10 @@ public:
     ofpstream* Open(const char* file, int code) override {
         ++asked;
         if (!takes || stream_) return nullptr;
-        stream_ = std::make_unique<ofpstream>(kVersion);
-        stream_->WriteShort(kVersion);
+        auto stream = std::make_unique<ofpstream>(kVersion);
+        stream->WriteShort(kVersion);
         entries.push_back({file, code, {}});
+        stream_ = std::move(stream);
         return stream_.get();
     }
 
@@ -33,6 +34,15 @@ public:
             return;
         }
         entries.back().bytes = stream_->GetBytes();
+        stream_.reset();
+    }
+
+    void Discard(ofpstream* entry) override {
+        if (entry != stream_.get()) {
+            ++strangers;
+            return;
+        }
+        entries.pop_back();
         stream_.reset();
     }
 
