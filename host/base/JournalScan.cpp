@@ -141,14 +141,17 @@ private:
         using End = JournalScan::End;
         if (tooMany_) return Ends(End::damaged, wrong_ + "; too much behind it looks like frames");
         if (!scan_.header) {
-            if (!scan_.later.empty()) return Ends(End::damaged, wrong_ + "; but there are frames behind it");
+            // The first commit of all: the disk may have kept a later page of it and not the first.
+            const bool first = neverWritten_ && scan_.lastDurable == 0;
+            if (!scan_.later.empty() && !first)
+                return Ends(End::damaged, wrong_ + "; but there are frames behind it");
             return Ends(neverWritten_ ? End::torn : End::damaged, wrong_);
         }
         if (misplaced_) return Ends(End::damaged, wrong_);
         if (scan_.lastDurable >= next_)
             return Ends(End::damaged, wrong_ + "; frames up to " + std::to_string(scan_.lastDurable) +
                                           " were stored, and frame " + std::to_string(next_) + " is missing");
-        Ends(End::torn, wrong_ + "; nothing from here on was stored");
+        Ends(End::torn, wrong_ + "; nothing from here on is known to have been stored");
     }
 
     void Ends(JournalScan::End end, const std::string& what) {

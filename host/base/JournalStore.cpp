@@ -57,6 +57,7 @@ int JournalWriter::StoreSomewhere(std::size_t bytes) {
     if (file_ >= 0) {
         if (Append(bytes) == 0) return 0;
         CloseFile();
+        if (failed_) return ESTALE;
     } else if (direct_) {
         if (Create(bytes) == 0) return 0;
     }
@@ -65,7 +66,18 @@ int JournalWriter::StoreSomewhere(std::size_t bytes) {
 
 int JournalWriter::Append(std::size_t bytes) {
     if (const int error = files_.Write(file_, waiting_.data(), bytes)) return error;
-    return files_.SyncData(file_);
+    if (const int error = files_.SyncData(file_)) return error;
+    return CheckName();
+}
+
+// What is stored in a file without a name is gone with the program: somebody took the journal for a leftover.
+int JournalWriter::CheckName() {
+    FileOperations::Facts here, named;
+    if (const int error = files_.GetFacts(file_, here)) return error;
+    const int error = files_.GetFacts(path_, named);
+    if (error != 0 && error != ENOENT) return error;
+    failed_ = error == ENOENT || named.device != here.device || named.inode != here.inode;
+    return failed_ ? ESTALE : 0;
 }
 
 int JournalWriter::Create(std::size_t bytes) {

@@ -122,6 +122,7 @@ private:
     int Store(std::size_t bytes, std::uint64_t lastOfThem);
     int StoreSomewhere(std::size_t bytes);
     int Append(std::size_t bytes);
+    int CheckName();
     int Create(std::size_t bytes);
     int Rewrite(std::size_t bytes);
     int CheckReplaceable() const;

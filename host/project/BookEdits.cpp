@@ -18,18 +18,32 @@ void BookEdits::End() {
     if (writer_) writer_->EndEdit();
 }
 
+// What was edited is noted, or it is said that it was not: nobody shall take it for stored.
+template <class Save>
+void BookEdits::NoteBy(Save save) {
+    if (!writer_) return;
+    const std::uint64_t before = writer_->GetLastSequence();
+    save();
+    if (writer_->GetLastSequence() == before)
+        throw ProjectError(ProjectError::Kind::system,
+                           book_.GetNomeFile() +
+                               ": an edit could not be noted in its journal, which another program has taken "
+                               "away or damaged; save the book");
+}
+
 template <class Write>
 void BookEdits::Note(int code, Write write) {
-    if (!writer_) return;
-    ofpstream* entry = book_.GetFileOutTmp(book_.GetNomeFile().c_str(), code);
-    if (!entry) return;
-    try {
-        write(*entry);
-        book_.CloseFileOutTmp(entry);
-    } catch (...) {
-        book_.DropFileOutTmp(entry);
-        throw;
-    }
+    NoteBy([&] {
+        ofpstream* entry = book_.GetFileOutTmp(book_.GetNomeFile().c_str(), code);
+        if (!entry) return;
+        try {
+            write(*entry);
+            book_.CloseFileOutTmp(entry);
+        } catch (...) {
+            book_.DropFileOutTmp(entry);
+            throw;
+        }
+    });
 }
 
 void BookEdits::GroupInserted(int g) {
@@ -39,7 +53,7 @@ void BookEdits::GroupInserted(int g) {
 }
 
 void BookEdits::GroupChanged(int g) {
-    if (writer_) book_.SaveTmpGrpGps(book_.GetGrpAt(g), nullptr);
+    NoteBy([&] { book_.SaveTmpGrpGps(book_.GetGrpAt(g), nullptr); });
 }
 
 void BookEdits::PointInserted(int g, int p) {
@@ -53,7 +67,7 @@ void BookEdits::PointInserted(int g, int p) {
 }
 
 void BookEdits::PointChanged(int g, int p) {
-    if (writer_) book_.SaveTmpPunGps(book_.GetPunAt(g, p));
+    NoteBy([&] { book_.SaveTmpPunGps(book_.GetPunAt(g, p)); });
 }
 
 void BookEdits::GroupsSwapped(int i, int j) {
@@ -93,16 +107,23 @@ void BookEdits::VersionChanged(short version) {
 }
 
 void BookEdits::DeletingGroup(int g) {
-    if (writer_) book_.SaveDelGrpGps(book_.GetGrpAt(g));
+    NoteBy([&] { book_.SaveDelGrpGps(book_.GetGrpAt(g)); });
 }
 
 void BookEdits::DeletingPoint(int g, int p) {
-    if (writer_) book_.SaveDelPunGps(book_.GetPunAt(g, p));
+    NoteBy([&] { book_.SaveDelPunGps(book_.GetPunAt(g, p)); });
 }
 
 void BookEdits::Commit() {
     if (!writer_) return;
-    if (const int error = writer_->Commit())
+    const int error = writer_->Commit();
+    if (error != 0 && writer_->HasFailed())
+        throw ProjectError(ProjectError::Kind::changedOutside,
+                           book_.GetNomeFile() +
+                               ": another program has taken its journal away or damaged it; what was edited "
+                               "since then is not stored; save the book, under another name when it was "
+                               "changed, too");
+    if (error != 0)
         throw SystemError(book_.GetNomeFile(), "its journal cannot be written: what was edited is not stored",
                           error);
 }

@@ -40,8 +40,8 @@ public:
     void PointChanged(int g, int p);
     void GroupsSwapped(int i, int j);
     void PointsSwapped(int g, int i, int j);
-    void OptionsChanged();   // of the field book, the display and the post-processing
-    void MapChanged();       // the map library
+    void OptionsChanged();  // of the field book, the display and the post-processing
+    void MapChanged();      // the map library
     void SettingsChanged(const std::map<std::string, std::string>& settings);  // texts of the project
     void VersionChanged(short version);                                        // of the stream
 
@@ -68,32 +68,39 @@ private:
 
     template <class Write>
     void Note(int code, Write write);
+    template <class Save>
+    void NoteBy(Save save);
 
     CLibGps& book_;
     JournalWriter* writer_ = nullptr;  // null: nothing is noted
 };
 
-/// One edit, of any number of entries. Edits may stand within one another; the outermost counts.
+/// One edit, of any number of entries. Edits may stand within one another; the outermost counts. A save ends
+/// it: what is noted afterwards is no part of it.
 class Edit {
 public:
-    explicit Edit(BookEdits& edits) : writer_(edits.writer_) {
-        if (writer_) writer_->BeginEdit();
+    explicit Edit(BookEdits& edits) : edits_(edits), journal_(edits.writer_ ? edits.writer_->GetId() : 0) {
+        edits_.Begin();
     }
     /// An edit that did not get to Done never comes back.
     ~Edit() {
-        if (writer_ && !done_) writer_->DropEdit();
+        if (IsOpen()) edits_.writer_->DropEdit();
     }
     Edit(const Edit&) = delete;
     Edit& operator=(const Edit&) = delete;
 
     /// The edit is complete. It is not on the disk yet: see Commit.
     void Done() {
-        if (writer_ && !done_) writer_->EndEdit();
+        if (IsOpen()) edits_.End();
         done_ = true;
     }
 
 private:
-    JournalWriter* writer_;
+    // A save within the edit has taken it in, with all that was noted; another journal has come since.
+    bool IsOpen() const { return !done_ && edits_.writer_ && edits_.writer_->GetId() == journal_; }
+
+    BookEdits& edits_;
+    std::uint64_t journal_;
     bool done_ = false;
 };
 

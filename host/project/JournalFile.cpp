@@ -43,7 +43,8 @@ FoundJournal FindJournal(FileOperations& files, const std::string& target,
     found.path = target + kJournalEnding;
     FileOperations::Facts facts;
     int error = files.Open(found.path, FileOperations::How::read, 0, file);
-    if (error == ENOENT) return found;
+    // A name that is too long for a journal never had one.
+    if (error == ENOENT || error == ENAMETOOLONG) return found;
     if (error == 0) error = files.GetFacts(file, facts);
     if (error != 0) throw SystemError(found.path, "the journal cannot be read", error);
     if (!facts.regular)
@@ -57,9 +58,12 @@ FoundJournal FindJournal(FileOperations& files, const std::string& target,
     const bool nothing = found.scan.frames.empty() && found.scan.end != JournalScan::End::damaged;
     if (nothing) return found;
     const auto& header = found.scan.header;
-    if (header && header->id == mark.id) {
+    if (header && mark.id != 0 && header->id == mark.id) {
         found.after = mark.sequence;
-        found.tie = found.GetLast() <= mark.sequence ? JournalTie::saved : JournalTie::follows;
+        // What cannot be read counts as saved only when it stands before something that is.
+        const bool unread = found.scan.end == JournalScan::End::damaged &&
+                            (found.scan.later.empty() || found.scan.later.back().sequence < mark.sequence);
+        found.tie = found.GetLast() <= mark.sequence && !unread ? JournalTie::saved : JournalTie::follows;
     } else {
         found.tie = header && header->base == DigestOf(sections) ? JournalTie::follows : JournalTie::foreign;
     }

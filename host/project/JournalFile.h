@@ -17,6 +17,9 @@ namespace gpsproject {
 /// Behind the name of the project's file.
 inline constexpr const char* kJournalEnding = ".journal";
 
+/// Behind the name of a journal that is not this project's any more; a number follows.
+inline constexpr const char* kKeptEnding = ".kept-";
+
 /// What a project's file says of the journal whose edits are in it.
 struct JournalMark {
     std::uint64_t id = 0;        // 0: none

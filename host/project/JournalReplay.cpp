@@ -169,7 +169,6 @@ ReplayReport Replay(Project& project, FileOperations& files, int file, const std
     std::string payload;
     std::size_t begin = 0;  // of the edit
     for (std::size_t i = 0; i < frames.size(); ++i) {
-        report.upTo = frames[i].sequence;
         if (frames[i].sequence <= after) {
             begin = i + 1;
             continue;
@@ -192,7 +191,9 @@ ReplayReport Replay(Project& project, FileOperations& files, int file, const std
             ++report.edits;
         }
         begin = i + 1;
+        report.upTo = frames[i].sequence;
     }
+    if (!frames.empty()) report.upTo = frames.back().sequence;
     report.unfinished += static_cast<std::int64_t>(frames.size() - begin);
     return report;
 }

@@ -18,7 +18,7 @@ struct ReplayReport {
     std::int64_t edits = 0;
     std::int64_t entries = 0;
     std::int64_t unfinished = 0;  // entries of edits that were given up or that the crash cut short
-    std::uint64_t upTo = 0;       // sequence of the last entry that was looked at
+    std::uint64_t upTo = 0;       // sequence of the last entry that counts as taken in
     std::int64_t groups = 0;      // group records that were read: added or changed
     std::int64_t points = 0;      // point records that were read
     std::int64_t deleted = 0;     // groups and points

@@ -97,8 +97,9 @@ public:
     const FoundJournal& GetJournal() const { return journal_; }
     int GetJournalFile() const { return journalFile_.number; }
 
-    /// The edits since the last save are not to come back.
-    void DropEdits();
+    /// The edits since the last save are not to come back. False: the journal cannot be removed, and they
+    /// would.
+    bool DropEdits();
 
     /// After a salvage: everything that can be used of the journal is in the book now. Saves it and gives the
     /// journal another name, which is returned; it is kept.
@@ -124,6 +125,8 @@ private:
     void ReplayJournal(Mode mode);
     void TellJournalDamage(Mode mode);
     void SaveReplayed();
+    JournalMark KeepStranger(const std::string& journal);
+    void TakeJournalIn(std::unique_ptr<JournalWriter> next, const std::string& journal, bool elsewhere);
     JournalMark MarkNow() const;
     std::unique_ptr<JournalWriter> NewJournal(const std::string& path, const std::string& target,
                                               const std::vector<SectionEntry>& sections);

@@ -88,13 +88,15 @@ void Project::SaveTo(const std::string& givenPath, const SaveTarget& givenTarget
             Kind::changedOutside,
             givenPath + ": another program has changed it since it was opened; save under another name");
     // All that needs memory comes before the new file gets its place.
-    std::string path = givenPath;
     std::string target = givenTarget.path;
+    const bool elsewhere = target != target_;
+    // The journal goes by the name, whatever other names the file has.
+    std::string path = elsewhere ? givenPath : path_;
     std::vector<std::string> notes = NotHeldBy(*this, version_);
     NotedOfSave noted(*book_);
 
-    const JournalMark mark = MarkNow();
-
+    const std::string journalPath = target + kJournalEnding;
+    const JournalMark mark = elsewhere ? KeepStranger(journalPath) : MarkNow();
     SafeReplace pending(files_, target, givenTarget.former);
     ContainerWriter writer(files_, pending.GetFile());
     WriteSections(writer, mark, path, target);
@@ -107,27 +109,14 @@ void Project::SaveTo(const std::string& givenPath, const SaveTarget& givenTarget
             path + ": another program has changed it during the save; save under another name");
     OpenedFile saved{{}, writer.GetEntries()};
     std::unique_ptr<JournalWriter> journal = NewJournal(path, target, saved.sections);
-    const std::string journalPath = target + kJournalEnding;
-    const std::string journalOfFormer = target + kBackupEnding + kJournalEnding;
-    const bool elsewhere = target != target_;
 
     const int notSynced = pending.Place();
     noted.Stays();
     mark_ = mark;
-    if (notSynced == 0) {
-        // The edits are in the file. A journal of another book that stood under this name goes with its
-        // backup.
-        if (writer_) writer_->Remove();
-        if (elsewhere) {
-            files_.Rename(journalPath, journalOfFormer);
-        } else {
-            files_.Unlink(journalPath);
-            files_.Unlink(journalOfFormer);
-        }
-        GoOnWith(std::move(journal));
-    } else if (elsewhere || !writer_) {
-        GoOnWith(std::move(journal));
-    }  // else the old journal goes on: it follows the former file, should that come back, and the new one
+    // When the disk does not confirm the names, the old journal goes on: it follows the former file, should
+    // that come back, and the new one. A journal that is yet to be made confirms them with its own name.
+    if (notSynced == 0 || elsewhere || !writer_ || !writer_->HasFile())
+        TakeJournalIn(std::move(journal), journalPath, elsewhere);
     files_.GetFacts(target, saved.facts);
     opened_ = std::move(saved);
     path_ = std::move(path);

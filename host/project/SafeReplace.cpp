@@ -2,8 +2,8 @@
 
 #include <cerrno>
 #include <utility>
-#include <vector>
 
+#include "host/project/FileCopy.h"
 #include "host/project/FileMessage.h"
 #include "host/project/OwnedFile.h"
 
@@ -15,13 +15,6 @@ std::string FolderOf(const std::string& path) {
     const auto slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-constexpr std::size_t kWindow = 256 * 1024;
-
-/// What file systems without second names say.
-bool IsUnsupported(int error) {
-    return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK;
 }
 
 }  // namespace
@@ -86,32 +79,13 @@ void SafeReplace::PlaceOver() {
 /// The former file under its backup name, too.
 void SafeReplace::KeepBackup() {
     int error = files_.Link(target_, backupSaving_);
-    if (IsUnsupported(error)) error = CopyBackup();
+    if (IsUnsupported(error)) error = CopyFile(files_, target_, backupSaving_);
     if (error == 0) error = files_.Rename(backupSaving_, backup_);
     // Also when the backup is the former file already: the system renames nothing then.
     files_.Unlink(backupSaving_);
     if (error != 0)
         throw SystemError(target_, "cannot be saved, the file is as it was; " + backup_ + " cannot be made",
                           error);
-}
-
-int SafeReplace::CopyBackup() {
-    OwnedFile from(files_), to(files_);
-    FileOperations::Facts facts;
-    int error = files_.Open(target_, FileOperations::How::read, 0, from.number);
-    if (error == 0) error = files_.GetFacts(from.number, facts);
-    if (error == 0) error = files_.Open(backupSaving_, FileOperations::How::createNew, 0600, to.number);
-    if (error != 0) return error;
-    files_.CopyRights(to.number, facts);
-    std::vector<char> window(kWindow);
-    std::size_t got = 0;
-    for (std::int64_t at = 0;; at += static_cast<std::int64_t>(got)) {
-        error = files_.ReadAt(from.number, at, window.data(), window.size(), got);
-        if (error != 0 || got == 0) break;
-        error = files_.Write(to.number, window.data(), got);
-        if (error != 0) break;
-    }
-    return error != 0 ? error : files_.Sync(to.number);
 }
 
 }  // namespace gpsproject

@@ -43,7 +43,6 @@ private:
     void PlaceNew();
     void PlaceOver();
     void KeepBackup();
-    int CopyBackup();
 
     FileOperations& files_;
     std::string target_;

@@ -8,6 +8,7 @@ other_host    builds and runs a host with a platform of its own; then installs t
 """
 
 import argparse
+import json
 import os
 import pathlib
 import shutil
@@ -55,6 +56,20 @@ def install(args):
     for header in ("gps/model/CPunGps.h", "platform/base/GpsValues.h"):
         if not (headers / header).is_file():
             sys.exit(f"{headers / header} was not installed")
+    expect_stations(args)
+
+
+def expect_stations(args):
+    """The installed program finds the installed catalogue, though both have been moved."""
+    program = installed(args) / "bin/gpsbook"
+    environment = {name: value for name, value in os.environ.items() if name != "GPS_SURVEY_STATIONS"}
+    environment["GPS_SURVEY_SETTINGS"] = str(args.work / "settings/settings.ini")
+    environment["LD_LIBRARY_PATH"] = str(next(installed(args).rglob("libgps-survey.so")).parent)
+    told = run(program, "stations", "check", "--json", env=environment, stdout=subprocess.PIPE).stdout
+    files = [pathlib.Path(file["file"]).resolve() for file in json.loads(told)["files"]]
+    expected = (installed(args) / "share/gps-survey/stations.csv").resolve()
+    if files != [expected]:
+        sys.exit(f"the catalogue is {files}, not {expected}")
 
 
 def find_package(args):

@@ -93,7 +93,8 @@ TEST_P(JournalRefusal, OfALaterCommitMovesEverythingToAnotherFile) {
     disk.GetFacts(kJournal, before);
     session.AddEdit({"b", "c"});
     disk.SetFault(Refuse(GetParam(), 1));
-    const bool asked = GetParam() == std::string("write") || GetParam() == std::string("sync");
+    const std::string operation = GetParam();
+    const bool asked = operation == "write" || operation == "sync" || operation == "facts";
     EXPECT_EQ(session.Commit(), 0);
     disk.SetFault({});
     disk.GetFacts(kJournal, after);

@@ -86,6 +86,7 @@ TEST_F(JournalWriterTest, CommitWithoutEntriesAsksNothingOfTheDisk) {
     EXPECT_EQ(disk.GetOperations(), 0);
 }
 
+// And a look whether the file still has its name: nobody finds it again without.
 TEST_F(JournalWriterTest, CommitIsOneWriteAndOneSync) {
     Note(journal, "a");
     journal.Commit();
@@ -93,7 +94,7 @@ TEST_F(JournalWriterTest, CommitIsOneWriteAndOneSync) {
     for (int i = 0; i < 10; ++i) Note(journal, "b");
     EXPECT_TRUE(asked.empty());
     journal.Commit();
-    EXPECT_EQ(asked, (Names{"write", "sync"}));
+    EXPECT_EQ(asked, (Names{"write", "sync", "facts", "facts"}));
 }
 
 TEST_F(JournalWriterTest, FirstCommitIsOneWriteTooAndItsNameIsSynced) {

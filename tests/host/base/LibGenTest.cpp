@@ -82,11 +82,13 @@ struct OneStreamJournal : TmpJournal {
         return gives ? &stream : nullptr;
     }
     void Close(ofpstream* entry) override { closed.push_back(entry); }
+    void Discard(ofpstream* entry) override { givenUp.push_back(entry); }
 
     bool gives = true;
     ofpstream stream{1400};
     std::vector<std::pair<std::string, int>> opened;
     std::vector<ofpstream*> closed;
+    std::vector<ofpstream*> givenUp;
 };
 
 TEST(LibGen, EntryIsTheJournalsOwnStream) {
@@ -99,6 +101,16 @@ TEST(LibGen, EntryIsTheJournalsOwnStream) {
     EXPECT_TRUE(journal.closed.empty());
     lib.CloseFileOutTmp(&journal.stream);
     EXPECT_EQ(journal.closed, std::vector<ofpstream*>{&journal.stream});
+}
+
+TEST(LibGen, EntryThatIsDroppedIsNotClosed) {
+    OneStreamJournal journal;
+    CLibGen lib;
+    lib.SetTmpJournal(&journal);
+    lib.DropFileOutTmp(lib.GetFileOutTmp("a.prj", 3002));
+    lib.DropFileOutTmp(nullptr);
+    EXPECT_TRUE(journal.closed.empty());
+    EXPECT_EQ(journal.givenUp, std::vector<ofpstream*>{&journal.stream});
 }
 
 TEST(LibGen, WithoutJournalThereAreNoEntries) {
