@@ -24,6 +24,8 @@ void WatchForInterrupt() {
     }
 }
 
+bool IsAskedToEnd() { return asked != 0; }
+
 void CheckInterrupt() {
     if (asked != 0) throw CommandError(exitFailure, "interrupted; nothing was written");
 }

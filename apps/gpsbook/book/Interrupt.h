@@ -7,6 +7,9 @@ namespace gpsbook {
 /// once.
 void WatchForInterrupt();
 
+/// Whether the program has been asked to end: for work that ends well at any time.
+bool IsAskedToEnd();
+
 /// To be called again and again during long work.
 /// Errors: CommandError (exitFailure) when the program has been asked to end; what is half done is removed on
 /// the way out.
