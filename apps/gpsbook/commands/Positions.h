@@ -9,4 +9,8 @@ namespace gpsbook {
 /// Errors: CommandError (exitUsage) naming the option.
 int InsertPosition(const std::string& option, const std::string& text, int size);
 
+/// A position as it is given, also one that no list has: "3", "#3", "-1". Errors: CommandError (exitUsage)
+/// naming the option, when it is no whole number.
+int AnyPosition(const std::string& option, const std::string& text);
+
 }  // namespace gpsbook
