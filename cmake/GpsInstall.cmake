@@ -40,6 +40,12 @@ install(FILES
   ${PROJECT_BINARY_DIR}/package/GpsSurveyConfigVersion.cmake
   DESTINATION ${gps_package_dir})
 
+# The catalogue of permanent stations belongs to the open host, which finds it from its library.
+if(NOT GPS_PLATFORM_TARGET)
+  install(FILES ${PROJECT_SOURCE_DIR}/data/stations.csv DESTINATION ${CMAKE_INSTALL_DATADIR}/gps-survey)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/licences DESTINATION ${CMAKE_INSTALL_DATADIR}/gps-survey)
+endif()
+
 # pkg-config knows nothing of a host's own platform.
 if(NOT GPS_PLATFORM_TARGET)
   file(RELATIVE_PATH gps_pc_to_prefix

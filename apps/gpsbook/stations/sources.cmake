@@ -1,0 +1,6 @@
+# Permanent stations, and the frames of bases.
+target_sources(gpsbook_lib PRIVATE
+  stations/BaseFrame.cpp
+  stations/StationLint.cpp
+  stations/StationText.cpp
+  stations/UsedStations.cpp)
