@@ -9,20 +9,26 @@ namespace gpsbook {
 
 namespace {
 
+using gpsproject::BookEdits;
+
 void Announce(CCloudItem* item) {
     if (CCloudTable* table = item->GetTable()) table->ItemDeletedLocally(item);
 }
 
-void DeleteGroup(CLibGps& book, int g) {
+void DeleteGroup(BookEdits& edits, int g) {
+    CLibGps& book = edits.GetBook();
     CGrpGps* group = book.GetGrpAt(g);
     for (int p = 0; p < book.GetPunArSize(g); ++p) Announce(CPunGps::CloudItemOf(book.GetPunAt(g, p)));
     Announce(CGrpGps::CloudItemOf(group));
     group->AzzeraPunSet();
+    edits.DeletingGroup(g);
     book.DelGrpAt(g);
 }
 
-void DeletePoint(CLibGps& book, const Place& place) {
+void DeletePoint(BookEdits& edits, const Place& place) {
+    CLibGps& book = edits.GetBook();
     Announce(CPunGps::CloudItemOf(book.GetPunAt(place.group, place.point)));
+    edits.DeletingPoint(place.group, place.point);
     book.DelPunAt(place.group, place.point);
 }
 
@@ -40,13 +46,13 @@ std::vector<Place> Outermost(std::vector<Place> places) {
 
 }  // namespace
 
-void DeletePlaces(CLibGps& book, const std::vector<Place>& places) {
+void DeletePlaces(BookEdits& edits, const std::vector<Place>& places) {
     const std::vector<Place> all = Outermost(places);
     for (auto place = all.rbegin(); place != all.rend(); ++place) {  // positions before stay as they are
         if (place->IsPoint())
-            DeletePoint(book, *place);
+            DeletePoint(edits, *place);
         else
-            DeleteGroup(book, place->group);
+            DeleteGroup(edits, place->group);
     }
 }
 

@@ -14,32 +14,38 @@ bool GivesPlane(const std::vector<Edit<Item>>& edits) {
 
 }  // namespace
 
-EditResult EditGroup(CLibGps& book, int group, const std::vector<Edit<CGrpGps>>& edits, bool keepPlane) {
+EditResult EditGroup(gpsproject::BookEdits& edits, int group, const std::vector<Edit<CGrpGps>>& values,
+                     bool keepPlane) {
+    CLibGps& book = edits.GetBook();
     CGrpGps& item = *book.GetGrpAt(group);
     const std::vector<FieldValue> before = ValuesOf(item);
-    Store(item, edits);
+    Store(item, values);
     EditResult result;
-    if (!keepPlane && !GivesPlane(edits)) {
-        if (Feeding(edits, Feeds::groupPlanes)) {
+    if (!keepPlane && !GivesPlane(values)) {
+        if (Feeding(values, Feeds::groupPlanes)) {
             result.planeLeft = !RefreshGroup(book, group);
             if (!result.planeLeft) result.pointsRefreshed = book.GetPunArSize(group);
-        } else if (Feeding(edits, Feeds::plane)) {
+        } else if (Feeding(values, Feeds::plane)) {
             result.planeLeft = !RefreshPlane(book, {group, -1});
         }
     }
     result.changes = ChangesSince(before, item);
+    edits.GroupChanged(group);
+    for (int p = 0; p < result.pointsRefreshed; ++p) edits.PointChanged(group, p);
     return result;
 }
 
-EditResult EditPoint(CLibGps& book, const Place& place, const std::vector<Edit<CPunGps>>& edits,
-                     bool keepPlane) {
+EditResult EditPoint(gpsproject::BookEdits& edits, const Place& place,
+                     const std::vector<Edit<CPunGps>>& values, bool keepPlane) {
+    CLibGps& book = edits.GetBook();
     CPunGps& item = *book.GetPunAt(place.group, place.point);
     const std::vector<FieldValue> before = ValuesOf(item);
-    Store(item, edits);
+    Store(item, values);
     EditResult result;
-    if (!keepPlane && Feeding(edits, Feeds::plane) && !GivesPlane(edits))
+    if (!keepPlane && Feeding(values, Feeds::plane) && !GivesPlane(values))
         result.planeLeft = !RefreshPlane(book, place);
     result.changes = ChangesSince(before, item);
+    edits.PointChanged(place.group, place.point);
     return result;
 }
 

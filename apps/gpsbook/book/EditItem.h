@@ -3,6 +3,7 @@
 
 #include "apps/gpsbook/book/Address.h"
 #include "apps/gpsbook/fields/Assignment.h"
+#include "host/project/BookEdits.h"
 
 namespace gpsbook {
 
@@ -15,8 +16,9 @@ struct EditResult {
 
 /// Stores values and computes the plane coordinates that depend on them anew, unless they are among the
 /// values or `keepPlane` is set.
-EditResult EditGroup(CLibGps& book, int group, const std::vector<Edit<CGrpGps>>& edits, bool keepPlane);
-EditResult EditPoint(CLibGps& book, const Place& place, const std::vector<Edit<CPunGps>>& edits,
+EditResult EditGroup(gpsproject::BookEdits& edits, int group, const std::vector<Edit<CGrpGps>>& values,
                      bool keepPlane);
+EditResult EditPoint(gpsproject::BookEdits& edits, const Place& place,
+                     const std::vector<Edit<CPunGps>>& values, bool keepPlane);
 
 }  // namespace gpsbook

@@ -47,21 +47,29 @@ std::vector<int> OrderAfterMove(int size, const std::vector<int>& moved, int to)
     return order;
 }
 
-void OrderGroups(CLibGps& book, const std::vector<int>& order) {
-    Reach(order, [&](int i, int j) { book.GrpGpsSwap(i, j); });
+void OrderGroups(gpsproject::BookEdits& edits, const std::vector<int>& order) {
+    Reach(order, [&](int i, int j) {
+        edits.GetBook().GrpGpsSwap(i, j);
+        edits.GroupsSwapped(i, j);
+    });
 }
 
-void OrderPoints(CLibGps& book, int group, const std::vector<int>& order) {
-    Reach(order, [&](int i, int j) { book.PunGpsSwap(group, i, j); });
+void OrderPoints(gpsproject::BookEdits& edits, int group, const std::vector<int>& order) {
+    Reach(order, [&](int i, int j) {
+        edits.GetBook().PunGpsSwap(group, i, j);
+        edits.PointsSwapped(group, i, j);
+    });
 }
 
-void MoveToGroup(CLibGps& book, int from, const std::vector<int>& points, int group, int to) {
+void MoveToGroup(gpsproject::BookEdits& edits, int from, const std::vector<int>& points, int group, int to) {
+    CLibGps& book = edits.GetBook();
     std::vector<Place> former;
     for (const int p : points) {
-        CopyPoint(*book.GetPunAt(from, p), *book.InsPunAt(group, to++, false));
+        CopyPoint(*book.GetPunAt(from, p), *book.InsPunAt(group, to, false));
+        edits.PointInserted(group, to++);
         former.push_back({from, p});
     }
-    DeletePlaces(book, former);
+    DeletePlaces(edits, former);
 }
 
 }  // namespace gpsbook

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "apps/gpsbook/book/Address.h"
+#include "host/project/BookEdits.h"
 
 namespace gpsbook {
 
@@ -14,12 +15,12 @@ std::vector<int> OrderAfterMove(int size, const std::vector<int>& moved, int to)
 
 /// Brings the groups of the book, or the points of a group, into an order, by the swaps of the library:
 /// objects stay what they are. Requires: a permutation of all positions.
-void OrderGroups(CLibGps& book, const std::vector<int>& order);
-void OrderPoints(CLibGps& book, int group, const std::vector<int>& order);
+void OrderGroups(gpsproject::BookEdits& edits, const std::vector<int>& order);
+void OrderPoints(gpsproject::BookEdits& edits, int group, const std::vector<int>& order);
 
 /// Moves points, all of one group, into another one, from position `to` on. A point belongs to one group for
 /// life: a new one is made with the same values, the former is deleted, and a cloud project takes it for new.
 /// Requires: `points` ascending, each once; 0 <= to <= number of points of the other group.
-void MoveToGroup(CLibGps& book, int from, const std::vector<int>& points, int group, int to);
+void MoveToGroup(gpsproject::BookEdits& edits, int from, const std::vector<int>& points, int group, int to);
 
 }  // namespace gpsbook

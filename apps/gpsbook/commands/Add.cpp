@@ -49,18 +49,22 @@ Place AddGroup(gpsproject::Project& project, std::vector<Assignment> assignments
     const std::vector<Edit<CGrpGps>> edits = ParseEdits<CGrpGps>(assignments);
     const int g = InsertPosition("--at", at, book.GetGrpArSize());
     book.InsGrpAt(g, false);
-    EditGroup(book, g, edits, false);
+    project.GetEdits().GroupInserted(g);
+    EditGroup(project.GetEdits(), g, edits, false);
     return {g, -1};
 }
 
 // A point remembers where its base stood, as one that was measured.
-Place AddPoint(CLibGps& book, int g, const std::vector<Assignment>& assignments, const std::string& at) {
+Place AddPoint(gpsproject::BookEdits& notes, int g, const std::vector<Assignment>& assignments,
+               const std::string& at) {
+    CLibGps& book = notes.GetBook();
     const std::vector<Edit<CPunGps>> edits = ParseEdits<CPunGps>(assignments);
     const Place place{g, InsertPosition("--at", at, book.GetPunArSize(g))};
     const CGrpGps& group = *book.GetGrpAt(g);
     book.InsPunAt(g, place.point, false)
         ->SetGrafBase(group.GetBaseLat(), group.GetBaseLong(), group.GetBaseElev());
-    EditPoint(book, place, edits, false);
+    notes.PointInserted(g, place.point);
+    EditPoint(notes, place, edits, false);
     return place;
 }
 
@@ -88,7 +92,7 @@ void Print(const Arguments& a, const gpsproject::Project& project, CLibGps& book
                   otherwise);
         return;
     }
-    PrintJson({{"file", project.GetPath()},
+    PrintJson({{"book", project.GetPath()},
                {"group", place.group},
                {"point", place.IsPoint() ? nlohmann::ordered_json(place.point) : nullptr},
                {"name", PlaceText(book, place)},
@@ -106,9 +110,10 @@ void Run(const Arguments& a) {
     if (!IsNamed(words.assignments)) throw CommandError(exitUsage, "no name is given; give one like name=P1");
     const auto project = OpenToWrite(a.book);
     CLibGps& book = project->GetBook();
-    const Place place = words.addresses.empty()
-                            ? AddGroup(*project, words.assignments, a.at)
-                            : AddPoint(book, FindGroup(book, words.addresses[0]), words.assignments, a.at);
+    const Place place =
+        words.addresses.empty()
+            ? AddGroup(*project, words.assignments, a.at)
+            : AddPoint(project->GetEdits(), FindGroup(book, words.addresses[0]), words.assignments, a.at);
     WarnOfTwins(book, place);
     SaveBook(*project);
     Print(a, *project, book, place);

@@ -12,6 +12,7 @@
 #include "apps/gpsbook/book/Interrupt.h"
 #include "apps/gpsbook/book/OpenBook.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
+#include "apps/gpsbook/commands/Filled.h"
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/RunCommand.h"
 #include "gps/coords/FCalcCoord.h"
@@ -41,6 +42,7 @@ struct Outcome {
     std::int64_t changed = 0;   // had others
     std::int64_t lost = 0;
     std::vector<std::string> losers;  // the first of those that lost theirs
+    std::vector<Place> touched;       // with a group its points
     std::vector<std::string> idle;    // groups without a usable conversion, which stay as they are
 };
 
@@ -95,10 +97,17 @@ void ComputePlace(CLibGps& book, const Place& place, bool reverse, Outcome& out)
         if (out.idle.empty() || out.idle.back() != name) out.idle.push_back(name);
         return;
     }
+    out.touched.push_back(place);
     if (place.IsPoint()) return ComputePoint(book, place, reverse, out);
     if (!reverse) return ComputeGroup(book, place.group, out);
     for (int p = 0; p < book.GetPunArSize(place.group); ++p)
         ComputePoint(book, {place.group, p}, reverse, out);
+}
+
+void Note(gpsproject::BookEdits& edits, const Place& place) {
+    if (place.IsPoint()) return edits.PointChanged(place.group, place.point);
+    edits.GroupChanged(place.group);
+    for (int p = 0; p < edits.GetBook().GetPunArSize(place.group); ++p) edits.PointChanged(place.group, p);
 }
 
 void RefuseLoss(const Arguments& a, const Outcome& out) {
@@ -144,7 +153,10 @@ void Run(const Arguments& a) {
     }
     RefuseLoss(a, out);
     const bool changes = out.gained + out.changed + out.lost > 0;
-    if (changes) SaveBook(*project);
+    if (changes) {
+        for (const Place& place : out.touched) Note(project->GetEdits(), place);
+        SaveBook(*project);
+    }
     const std::string otherwise = "the summary could not be written, " + project->GetPath() + " is saved";
     if (a.json)
         PrintJson({{"book", project->GetPath()},
@@ -162,7 +174,7 @@ void Run(const Arguments& a) {
 }
 
 void AddOptions(CLI::App& c, Arguments& a) {
-    c.add_option("BOOK", a.book, "The field book")->required();
+    c.add_option("BOOK", a.book, "The field book")->required()->check(Filled());
     c.add_option("PLACE", a.places, "Groups and points: NAME, #0, GROUP/POINT, GROUP/#3..#7; none: all");
     c.add_flag("--reverse", a.reverse, "From plane coordinates to latitude, longitude and height");
     c.add_flag("--allow-loss", a.allowLoss,

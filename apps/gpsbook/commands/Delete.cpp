@@ -65,13 +65,13 @@ void Run(const Arguments& a) {
     const std::vector<Place> places = FindPlaces(book, a.addresses);
     const Result result = Describe(book, places);
     if (!a.dryRun) {
-        DeletePlaces(book, places);
+        DeletePlaces(project->GetEdits(), places);
         SaveBook(*project);
     }
     const std::string otherwise =
         a.dryRun ? "the result could not be written" : SavedButUntold(project->GetPath());
     if (a.json)
-        PrintJson({{"file", project->GetPath()},
+        PrintJson({{"book", project->GetPath()},
                    {"saved", !a.dryRun},
                    {"groups", result.groups},
                    {"points", result.points},

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -22,6 +23,8 @@ namespace gpsbook {
 
 namespace {
 
+using gpsproject::BookEdits;
+
 struct Arguments {
     std::string book;
     std::vector<std::string> addresses;
@@ -31,9 +34,10 @@ struct Arguments {
 };
 
 struct Result {
-    int moved = 0;
+    int asked = 0;
     int group = -1;  // of the points; -1 for groups
     int first = 0;   // where the first of them stands now
+    bool changed = false;
     bool copied = false;
     bool planeLeft = false;
 };
@@ -54,37 +58,46 @@ void CheckAlike(const std::vector<Place>& places) {
     }
 }
 
-Result MoveGroups(CLibGps& book, const std::vector<int>& groups, const std::string& to) {
-    const int size = book.GetGrpArSize();
+Result MoveGroups(BookEdits& edits, const std::vector<int>& groups, const std::string& to) {
+    const int size = edits.GetBook().GetGrpArSize();
     const int room = size - static_cast<int>(groups.size());
     Result result;
     result.first = InsertPosition("--to", to, room);
-    OrderGroups(book, OrderAfterMove(size, groups, result.first));
+    const std::vector<int> order = OrderAfterMove(size, groups, result.first);
+    result.changed = !std::is_sorted(order.begin(), order.end());
+    OrderGroups(edits, order);
     return result;
 }
 
-Result MoveWithin(CLibGps& book, int group, const std::vector<int>& points, const std::string& to) {
-    const int size = book.GetPunArSize(group);
+Result MoveWithin(BookEdits& edits, int group, const std::vector<int>& points, const std::string& to) {
+    const int size = edits.GetBook().GetPunArSize(group);
     Result result;
     result.group = group;
     result.first = InsertPosition("--to", to, size - static_cast<int>(points.size()));
-    OrderPoints(book, group, OrderAfterMove(size, points, result.first));
+    const std::vector<int> order = OrderAfterMove(size, points, result.first);
+    result.changed = !std::is_sorted(order.begin(), order.end());
+    OrderPoints(edits, group, order);
     return result;
 }
 
-Result MoveAcross(CLibGps& book, int from, const std::vector<int>& points, int group, const std::string& to) {
+Result MoveAcross(BookEdits& edits, int from, const std::vector<int>& points, int group,
+                  const std::string& to) {
+    CLibGps& book = edits.GetBook();
     Result result;
     result.group = group;
     result.first = InsertPosition("--to", to, book.GetPunArSize(group));
-    result.copied = true;
-    MoveToGroup(book, from, points, group, result.first);
+    result.changed = result.copied = true;
+    MoveToGroup(edits, from, points, group, result.first);
     // The fix is what was measured; the plane coordinates follow from it by the conversion of the group.
-    for (std::size_t i = 0; i < points.size(); ++i)
-        result.planeLeft = !RefreshPlane(book, {group, result.first + static_cast<int>(i)});
+    for (int p = result.first; p < result.first + static_cast<int>(points.size()); ++p) {
+        result.planeLeft = !RefreshPlane(book, {group, p});
+        edits.PointChanged(group, p);
+    }
     return result;
 }
 
-Result Apply(CLibGps& book, const Arguments& a) {
+Result Apply(BookEdits& edits, const Arguments& a) {
+    const CLibGps& book = edits.GetBook();
     const std::vector<Place> places = FindPlaces(book, a.addresses);
     CheckAlike(places);
     const std::vector<int> positions = PositionsOf(places);
@@ -92,22 +105,23 @@ Result Apply(CLibGps& book, const Arguments& a) {
     if (!places.front().IsPoint()) {
         if (!a.group.empty())
             throw CommandError(exitUsage, "--group: a group does not stand in another one; give points");
-        result = MoveGroups(book, positions, a.to);
+        result = MoveGroups(edits, positions, a.to);
     } else {
         const int from = places.front().group;
         const int group = a.group.empty() ? from : FindGroup(book, a.group);
-        result = group == from ? MoveWithin(book, from, positions, a.to)
-                               : MoveAcross(book, from, positions, group, a.to);
+        result = group == from ? MoveWithin(edits, from, positions, a.to)
+                               : MoveAcross(edits, from, positions, group, a.to);
     }
-    result.moved = static_cast<int>(places.size());
+    result.asked = static_cast<int>(places.size());
     return result;
 }
 
 void Print(const Arguments& a, const std::string& file, const CLibGps& book, const Result& r) {
-    const std::string otherwise = SavedButUntold(file);
+    const std::string otherwise = r.changed ? SavedButUntold(file) : "the result could not be written";
     if (a.json) {
-        PrintJson({{"file", file},
-                   {"moved", r.moved},
+        PrintJson({{"book", file},
+                   {"saved", r.changed},
+                   {"moved", r.changed ? r.asked : 0},
                    {"group", r.group >= 0 ? nlohmann::ordered_json(r.group) : nullptr},
                    {"first", r.first},
                    {"new_points", r.copied}},
@@ -115,18 +129,25 @@ void Print(const Arguments& a, const std::string& file, const CLibGps& book, con
         return;
     }
     const bool points = r.group >= 0;
-    std::string text = Counted(r.moved, points ? "point" : "group") + " moved";
+    std::string text = Counted(r.asked, points ? "point" : "group");
+    if (!r.changed) {
+        PrintText(fmt::format("nothing to do: {} at #{} already\n",
+                              text + (r.asked == 1 ? " stands" : " stand"), r.first),
+                  otherwise);
+        return;
+    }
+    text += " moved";
     if (points) text += " in group " + Printable(PlaceText(book, {r.group, -1}));
     PrintText(
-        fmt::format("{}, {} #{}{}\n", text, r.moved == 1 ? "to" : "from", r.first, r.moved == 1 ? "" : " on"),
+        fmt::format("{}, {} #{}{}\n", text, r.asked == 1 ? "to" : "from", r.first, r.asked == 1 ? "" : " on"),
         otherwise);
 }
 
 void Run(const Arguments& a) {
     const auto project = OpenToWrite(a.book);
     CLibGps& book = project->GetBook();
-    const Result result = Apply(book, a);
-    SaveBook(*project);
+    const Result result = Apply(project->GetEdits(), a);
+    if (result.changed) SaveBook(*project);
     if (result.copied)
         std::cerr << "note: the points are new ones with the same values; a shared book deletes the former "
                      "and adds these\n";

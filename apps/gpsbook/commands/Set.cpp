@@ -41,8 +41,8 @@ void RefuseSameName(const std::vector<Edit<Item>>& edits, std::size_t items) {
 }
 
 // All values are checked for all items before the first one is stored.
-Result Apply(CLibGps& book, const std::vector<Place>& places, const std::vector<Assignment>& assignments,
-             bool keepPlane) {
+Result Apply(gpsproject::BookEdits& edits, const std::vector<Place>& places,
+             const std::vector<Assignment>& assignments, bool keepPlane) {
     std::size_t points = 0;
     for (const Place& place : places) points += place.IsPoint() ? 1 : 0;
     std::vector<Edit<CPunGps>> forPoints;
@@ -54,10 +54,11 @@ Result Apply(CLibGps& book, const std::vector<Place>& places, const std::vector<
 
     Result result;
     result.asked = places.size();
+    const CLibGps& book = edits.GetBook();
     for (const Place& place : places) {
         std::string text = PlaceText(book, place);
-        EditResult edit = place.IsPoint() ? EditPoint(book, place, forPoints, keepPlane)
-                                          : EditGroup(book, place.group, forGroups, keepPlane);
+        EditResult edit = place.IsPoint() ? EditPoint(edits, place, forPoints, keepPlane)
+                                          : EditGroup(edits, place.group, forGroups, keepPlane);
         result.pointsRefreshed += edit.pointsRefreshed;
         result.planeLeft += edit.planeLeft ? 1U : 0U;
         if (!edit.changes.empty()) result.items.push_back({place, std::move(text), std::move(edit.changes)});
@@ -69,7 +70,7 @@ void Print(const Arguments& a, const std::string& file, const Result& result) {
     const bool saved = !a.dryRun && !result.items.empty();
     const std::string otherwise = saved ? SavedButUntold(file) : "the result could not be written";
     if (a.json) {
-        PrintJson({{"file", file},
+        PrintJson({{"book", file},
                    {"saved", saved},
                    {"asked", result.asked},
                    {"changed", ChangesJson(result.items)},
@@ -97,7 +98,8 @@ void Run(const Arguments& a) {
     const auto project = a.dryRun ? OpenToRead(a.book) : OpenToWrite(a.book);
     if (a.dryRun) EndReading(*project);
     CLibGps& book = project->GetBook();
-    const Result result = Apply(book, FindPlaces(book, words.addresses), words.assignments, a.keepPlane);
+    const Result result =
+        Apply(project->GetEdits(), FindPlaces(book, words.addresses), words.assignments, a.keepPlane);
     if (!a.dryRun && !result.items.empty()) SaveBook(*project);
     if (result.planeLeft > 0)
         std::cerr << "note: plane coordinates stay as they were: the group has no usable conversion; set its "

@@ -22,15 +22,20 @@ struct Arguments {
     bool json = false;
 };
 
-void Exchange(CLibGps& book, const Place& a, const Place& b) {
+void Exchange(gpsproject::BookEdits& edits, const Place& a, const Place& b) {
+    CLibGps& book = edits.GetBook();
     if (a.IsPoint() != b.IsPoint())
         throw CommandError(exitUsage, "a group and a point cannot change places; give two of a kind");
     if (a == b) throw CommandError(exitUsage, "both are the same; give two that differ");
-    if (!a.IsPoint()) return book.GrpGpsSwap(a.group, b.group);
+    if (!a.IsPoint()) {
+        book.GrpGpsSwap(a.group, b.group);
+        return edits.GroupsSwapped(a.group, b.group);
+    }
     if (a.group != b.group)
         throw CommandError(
             exitUsage, "the points are of different groups; gpsbook move --group brings a point to another");
     book.PunGpsSwap(a.group, a.point, b.point);
+    edits.PointsSwapped(a.group, a.point, b.point);
 }
 
 nlohmann::ordered_json PlaceJson(const CLibGps& book, const Place& place) {
@@ -45,12 +50,12 @@ void Run(const Arguments& a) {
     const Place first = FindPlace(book, a.first);
     const Place second = FindPlace(book, a.second);
     const std::string names = PlaceText(book, first) + " and " + PlaceText(book, second);
-    Exchange(book, first, second);
+    Exchange(project->GetEdits(), first, second);
     SaveBook(*project);
     const std::string otherwise = SavedButUntold(project->GetPath());
     if (a.json)  // what stands where now
         PrintJson(
-            {{"file", project->GetPath()}, {"swapped", {PlaceJson(book, first), PlaceJson(book, second)}}},
+            {{"book", project->GetPath()}, {"swapped", {PlaceJson(book, first), PlaceJson(book, second)}}},
             otherwise);
     else
         PrintText(Printable(names) + " have changed places\n", otherwise);

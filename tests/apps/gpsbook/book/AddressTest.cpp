@@ -43,7 +43,10 @@ TEST(Address, RangesTakeBothEnds) {
     EXPECT_EQ(FindPlaces(book.lib, "Quay/#3..#3"), (Places{{0, 3}}));
     EXPECT_EQ(FindPlaces(book.lib, "#0..#1"), (Places{{0, -1}, {1, -1}}));
     EXPECT_EQ(FindPlaces(book.lib, "#0..#1/B"), (Places{{0, 1}, {1, 1}})) << "a point of each group";
-    EXPECT_NE(Refusal(book.lib, "Quay/#2..#1", exitNotFound).find("runs backwards"), std::string::npos);
+    EXPECT_EQ(Refusal(book.lib, "Quay/#2..#1", exitUsage),
+              "\"Quay/#2..#1\": the range runs backwards; write it #1..#2");
+    EXPECT_EQ(Refusal(book.lib, "#1..#0", exitUsage),
+              "\"#1..#0\": the range runs backwards; write it #0..#1");
     EXPECT_NE(Refusal(book.lib, "Quay/#2..#4", exitNotFound).find("Quay has 4 points, #0 to #3"),
               std::string::npos);
     EXPECT_NE(Refusal(book.lib, "Quay/#4..", exitNotFound).find("no point #4.."), std::string::npos);

@@ -16,7 +16,7 @@ TEST(Deletion, PlacesGoEachOnceInAnyOrder) {
     book.Group("C", {"0", "1"});
     const std::vector<Place> places{{2, 1}, {0, 3}, {1, -1}, {0, 1}, {1, 0}, {0, 3}};
     EXPECT_EQ(PointsWithin(book.lib, places), 4) << "the point of B goes with B";
-    DeletePlaces(book.lib, places);
+    DeletePlaces(book.edits, places);
     EXPECT_EQ(book.GroupNames(), "A C");
     EXPECT_EQ(book.Names(0), "0 2");
     EXPECT_EQ(book.Names(1), "0");
@@ -33,10 +33,11 @@ TEST(Deletion, ItemsKnownToTheCloudAreAnnouncedWithTheirPoints) {
     know(CPunGps::CloudItemOf(book.lib.GetPunAt(0, 1)), 21);
     know(CPunGps::CloudItemOf(book.lib.GetPunAt(1, 0)), 30);
 
-    DeletePlaces(book.lib, {{1, 0}});
+    gpsproject::BookEdits edits{book.lib};  // without a journal
+    DeletePlaces(edits, {{1, 0}});
     EXPECT_EQ(book.points.GetDeleted(), (std::set<long long>{30}));
     EXPECT_TRUE(book.bases.GetDeleted().empty());
-    DeletePlaces(book.lib, {{0, -1}});
+    DeletePlaces(edits, {{0, -1}});
     EXPECT_EQ(book.points.GetDeleted(), (std::set<long long>{21, 30})) << "a point without id is not sent";
     EXPECT_EQ(book.bases.GetDeleted(), (std::set<long long>{10}));
 }

@@ -28,10 +28,10 @@ protected:
     }
 
     EditResult Point(const std::vector<Assignment>& a, bool keepPlane = false) {
-        return EditPoint(book.lib, {0, 0}, ParseEdits<CPunGps>(a), keepPlane);
+        return EditPoint(book.edits, {0, 0}, ParseEdits<CPunGps>(a), keepPlane);
     }
     EditResult Group(const std::vector<Assignment>& a, bool keepPlane = false) {
-        return EditGroup(book.lib, 0, ParseEdits<CGrpGps>(a), keepPlane);
+        return EditGroup(book.edits, 0, ParseEdits<CGrpGps>(a), keepPlane);
     }
     CPunGps& P1() { return *book.lib.GetPunAt(0, 0); }
 

@@ -33,7 +33,7 @@ TEST(Reorder, AnyOrderIsReachedWithTheSameObjects) {
         std::shuffle(order.begin(), order.end(), random);
         std::vector<CPunGps*> before;
         for (int p = 0; p < 9; ++p) before.push_back(book.lib.GetPunAt(0, p));
-        OrderPoints(book.lib, 0, order);
+        OrderPoints(book.edits, 0, order);
         for (int p = 0; p < 9; ++p)
             EXPECT_EQ(book.lib.GetPunAt(0, p),
                       before[static_cast<std::size_t>(order[static_cast<std::size_t>(p)])]);
@@ -45,7 +45,7 @@ TEST(Reorder, GroupsTakeTheirPointsWithThem) {
     book.Group("A", {"a"});
     book.Group("B", {"b"});
     book.Group("C", {"c"});
-    OrderGroups(book.lib, {2, 0, 1});
+    OrderGroups(book.edits, {2, 0, 1});
     EXPECT_EQ(book.GroupNames(), "C A B");
     EXPECT_EQ(book.Names(0), "c");
     EXPECT_EQ(book.Names(2), "b");
@@ -66,7 +66,7 @@ TEST(Reorder, PointsOfAnotherGroupHaveAllTheirValues) {
     point.SetVldtEgn(0x10);
     point.CalcolaValiditaXYZ();
     const std::vector<FieldValue> values = ValuesOf(point);
-    MoveToGroup(book.lib, 0, {0, 1}, 1, 1);
+    MoveToGroup(book.edits, 0, {0, 1}, 1, 1);
     EXPECT_EQ(book.Names(0), "2");
     EXPECT_EQ(book.Names(1), "x 0 1 y");
     CPunGps& moved = *book.lib.GetPunAt(1, 2);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "gps/model/CLibGps.h"
+#include "host/project/BookEdits.h"
 #include "platform/coord/CLibMap.h"
 
 namespace gpsbook::test {
@@ -40,6 +41,7 @@ struct SmallBook {
 
     CLibMap map;
     CLibGps lib;
+    gpsproject::BookEdits edits{lib};  // without a journal
 };
 
 /// UTM zone 33 in a group; the conversion is usable then.
