@@ -47,12 +47,16 @@ std::optional<Range> Positions(std::string_view text, int size) {
     return last ? std::optional<Range>({*first, *last}) : std::nullopt;
 }
 
-// A place is there; the problem tells why there is none.
-struct Search {
-    std::vector<Place> places;
-    std::string problem;
+// Why an address names nothing.
+struct Problem {
+    std::string text;
     ExitCode code = exitNotFound;
 };
+
+// No book can have such a range: the command line is wrong.
+Problem Backwards(const Range& range) {
+    return {fmt::format("the range runs backwards; write it #{}..#{}", range.last, range.first), exitUsage};
+}
 
 std::string CountText(int n, const char* one) { return fmt::format("{} {}{}", n, one, n == 1 ? "" : "s"); }
 
@@ -64,15 +68,16 @@ std::string SizeText(const char* whose, int n, const char* one) {
 }
 
 // Every group that the text names; the problem says which are missing.
-std::vector<Range> GroupsOf(const CLibGps& book, std::string_view text, std::string& problem) {
+std::vector<Range> GroupsOf(const CLibGps& book, std::string_view text, Problem& problem) {
     const int size = book.GetGrpArSize();
     if (const auto range = Positions(text, size)) {
         if (range->first > range->last) {
-            problem = fmt::format("\"{}\" runs backwards", text);
+            problem = Backwards(*range);
             return {};
         }
         if (range->last < size) return {*range};
-        problem = fmt::format("there is no group {}; {}", text, SizeText("the book", size, "group"));
+        problem = {fmt::format("there is no group {}; {}", text, SizeText("the book", size, "group")),
+                   exitNotFound};
         return {};
     }
     std::vector<Range> found;
@@ -81,16 +86,18 @@ std::vector<Range> GroupsOf(const CLibGps& book, std::string_view text, std::str
     return found;
 }
 
-std::vector<Range> PointsOf(const CLibGps& book, int g, std::string_view text, std::string& problem) {
+std::vector<Range> PointsOf(const CLibGps& book, int g, std::string_view text, Problem& problem) {
     const int size = book.GetPunArSize(g);
     const std::string group = PlaceText(book, {g, -1});
     if (const auto range = Positions(text, size)) {
         if (range->first > range->last) {
-            problem = fmt::format("\"{}\" runs backwards", text);
+            problem = Backwards(*range);
             return {};
         }
         if (range->last < size) return {*range};
-        problem = fmt::format("there is no point {} in it; {}", text, SizeText(group.c_str(), size, "point"));
+        problem = {
+            fmt::format("there is no point {} in it; {}", text, SizeText(group.c_str(), size, "point")),
+            exitNotFound};
         return {};
     }
     std::vector<Range> found;
@@ -106,7 +113,7 @@ struct Reading {
 };
 
 void ReadAsGroup(const CLibGps& book, const std::string& address, std::vector<Reading>& readings,
-                 std::string& problem) {
+                 Problem& problem) {
     const std::vector<Range> ranges = GroupsOf(book, address, problem);
     if (ranges.empty()) return;
     Reading reading;
@@ -117,9 +124,9 @@ void ReadAsGroup(const CLibGps& book, const std::string& address, std::vector<Re
 }
 
 void ReadAsPoints(const CLibGps& book, const std::string& address, std::size_t slash,
-                  std::vector<Reading>& readings, std::string& problem) {
+                  std::vector<Reading>& readings, Problem& problem) {
     const std::string_view all(address);
-    std::string wrong;
+    Problem wrong;
     const std::vector<Range> groups = GroupsOf(book, all.substr(0, slash), wrong);
     Reading reading;
     bool manyNames = false;
@@ -133,7 +140,7 @@ void ReadAsPoints(const CLibGps& book, const std::string& address, std::size_t s
                 for (int p = some.first; p <= some.last; ++p) reading.places.push_back({g, p});
         }
     }
-    if (problem.empty()) problem = wrong;
+    if (problem.text.empty()) problem = wrong;
     if (reading.places.empty()) return;
     // Groups of one name are several only as far as they have such a point.
     reading.several = manyNames || (groups.size() > 1 && withPoints > 1);
@@ -163,12 +170,13 @@ std::string LikeGroups(const CLibGps& book, std::string_view text) {
     return near.Question();
 }
 
-[[noreturn]] void RefuseUnknown(const CLibGps& book, const std::string& address, const std::string& problem) {
-    if (!problem.empty()) throw CommandError(exitNotFound, fmt::format("\"{}\": {}", address, problem));
+[[noreturn]] void RefuseUnknown(const CLibGps& book, const std::string& address, const Problem& problem) {
+    if (!problem.text.empty())
+        throw CommandError(problem.code, fmt::format("\"{}\": {}", address, problem.text));
     // The longest beginning that is a group: what is behind it is no point of it.
     for (std::size_t slash = address.rfind('/'); slash != std::string::npos && slash > 0;
          slash = address.rfind('/', slash - 1)) {
-        std::string unused;
+        Problem unused;
         const std::vector<Range> groups = GroupsOf(book, std::string_view(address).substr(0, slash), unused);
         if (groups.empty()) continue;
         const int g = groups.front().first;
@@ -198,7 +206,7 @@ std::vector<Place> FindPlaces(const CLibGps& book, const std::string& address) {
         throw CommandError(
             exitUsage, "an address is empty; give the name of a group or point, or its position like '#0'");
     std::vector<Reading> readings;
-    std::string problem;
+    Problem problem;
     ReadAsGroup(book, address, readings, problem);
     for (std::size_t slash = address.find('/'); slash != std::string::npos;
          slash = address.find('/', slash + 1))

@@ -55,6 +55,8 @@ const char* VerdictText(Verdict verdict) {
             return "outside --from/--to";
         case Verdict::thinned:
             return "closer than --every";
+        case Verdict::alreadyThere:
+            return "in the book already";
         case Verdict::take:
             break;
     }

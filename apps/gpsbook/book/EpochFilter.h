@@ -35,7 +35,8 @@ std::optional<MinQuality> ParseMinQuality(const std::string& text);
 /// RFC 3339 ("2018-10-04T12:40:00Z") or a UTC time of day ("12:40", "12:40:30.5"). None for anything else.
 std::optional<TimeBound> ParseTimeBound(const std::string& text);
 
-enum class Verdict : std::uint8_t { take, belowQuality, outsideTime, thinned };
+/// What becomes of a usable epoch; the filter itself never says alreadyThere.
+enum class Verdict : std::uint8_t { take, belowQuality, outsideTime, thinned, alreadyThere };
 
 /// The verdict as text for people: "below --min-quality", ...
 const char* VerdictText(Verdict verdict);

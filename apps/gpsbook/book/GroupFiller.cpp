@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "apps/gpsbook/book/KnownFixes.h"
 #include "gps/model/CLibGps.h"
 
 namespace gpsbook {
@@ -27,6 +28,7 @@ void GroupFiller::Accept(const Epoch& epoch) {
         if (watcher_) watcher_(epoch.line, VerdictText(verdict), {});
         return;
     }
+    if (fill_.known && LeavesOut(epoch)) return;
     CPunGps& point = *book_.AddPun(group_, false);
     FillPoint(point, epoch);
     if (header_ && header_->hasBase) {
@@ -35,6 +37,21 @@ void GroupFiller::Accept(const Epoch& epoch) {
     }
     ++report_.points;
     ++report_.byQuality[epoch.quality];
+}
+
+double GroupFiller::HeightOf(const Epoch& e) const {
+    return fill_.heights == HeightsOf::marker ? e.height + fill_.antenna : e.height;
+}
+
+bool GroupFiller::LeavesOut(const Epoch& e) {
+    const int group =
+        fill_.known->GroupOf({(e.year * 100 + e.month) * 100 + e.day, e.todMs, e.lat, e.lon, HeightOf(e)});
+    if (group < 0) return false;
+    ++report_.alreadyIn[group];
+    if (!fill_.skipKnown) return false;
+    ++report_.filtered[static_cast<std::size_t>(Verdict::alreadyThere)];
+    if (watcher_) watcher_(e.line, VerdictText(Verdict::alreadyThere), {});
+    return true;
 }
 
 void GroupFiller::FillPoint(CPunGps& point, const Epoch& e) {
@@ -48,7 +65,7 @@ void GroupFiller::FillPoint(CPunGps& point, const Epoch& e) {
     point.SetTod(e.todMs);
     point.SetLat(e.lat);
     point.SetLong(e.lon);
-    point.SetElev(fill_.heights == HeightsOf::marker ? e.height + fill_.antenna : e.height);
+    point.SetElev(HeightOf(e));
     point.SetAltAnt(fill_.antenna);
     point.SetQua(e.quality);
     point.SetNuGpsUsed(Count(e.satGps));

@@ -15,6 +15,8 @@ class CPunGps;
 
 namespace gpsbook {
 
+class KnownFixes;
+
 /// What the heights of a log are those of.
 enum class HeightsOf : std::uint8_t { antenna, marker };
 
@@ -23,6 +25,8 @@ struct FillOptions {
     double antenna = 0;  // metres, phase centre above the ground mark
     std::string prefix = "P";
     std::string code;
+    const KnownFixes* known = nullptr;  // fixes that are looked for; null: none
+    bool skipKnown = false;             // and left out
 };
 
 /// Adds one point an accepted epoch to a group, through the setters of the library. Heights in the book are
@@ -51,6 +55,8 @@ public:
     void FillGroup(const LogHeader& header);
 
 private:
+    double HeightOf(const Epoch& epoch) const;  // metres, phase centre
+    bool LeavesOut(const Epoch& epoch);
     void FillPoint(CPunGps& point, const Epoch& epoch);
     void FillBase(CPunGps& point, const LogHeader& header) const;
 

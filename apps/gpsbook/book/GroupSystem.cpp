@@ -1,14 +1,15 @@
 #include "apps/gpsbook/book/GroupSystem.h"
 
 #include "apps/gpsbook/commands/CommandError.h"
+#include "apps/gpsbook/fields/SystemText.h"
 #include "gps/model/CLibGps.h"
 
 namespace gpsbook {
 
 CProiezPla ProjectionFrom(const std::string& crs) {
     CProiezPla projection;
-    std::string why;
-    if (!projection.SetDefinizione(crs, why)) throw CommandError(exitUsage, "--crs: " + why);
+    if (const std::string problem = ReadSystem(crs, projection); !problem.empty())
+        throw CommandError(exitUsage, "--crs: " + problem);
     return projection;
 }
 
@@ -26,8 +27,10 @@ std::string TableSystem(const CGrpGps& group) {
 
 void SetSystem(CGrpGps& group, const std::string& crs) {
     CConvCoord* conversion = group.GetConvCoord();
+    const std::string definition = ProjectionFrom(crs).GetDefinizione();
     std::string why;
-    if (!conversion->GetConvLocal()->SetDefinizione(crs, why)) throw CommandError(exitUsage, "--crs: " + why);
+    if (!conversion->GetConvLocal()->SetDefinizione(definition, why))
+        throw CommandError(exitUsage, "--crs: " + why);
     conversion->SetImp(CConvCoord::impPronta, 1);
     group.SetCodeElab(1);  // bit 0: the conversion counts as valid
 }

@@ -17,7 +17,7 @@ struct LintKind {
     const char* help;
 };
 
-inline constexpr std::array<LintKind, 11> kLintKinds{{
+inline constexpr std::array<LintKind, 13> kLintKinds{{
     {"name-twice", "two groups, or two points of a group, of the same name"},
     {"name-empty", "a group or a point without a name"},
     {"text", "a text with ';', a line break or a control character, or that is not UTF-8"},
@@ -29,6 +29,8 @@ inline constexpr std::array<LintKind, 11> kLintKinds{{
     {"plane", "plane coordinates that are missing, or do not follow from the fix"},
     {"precision", "hrms or vrms unlike the covariance, or a covariance that cannot be"},
     {"day", "a time on another day than the group's"},
+    {"base-name", "a base near a permanent station, under another name"},
+    {"base-frame", "a base whose frame contradicts its tag"},
 }};
 
 /// Something that looks wrong. Points of a group with the same trouble are one finding.

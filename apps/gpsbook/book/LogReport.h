@@ -34,7 +34,14 @@ struct LogReport {
     std::map<int, std::int64_t> byQuality;                                   // points by code, as delivered
     std::array<Tally, static_cast<std::size_t>(Reason::count_)> rejected{};  // positions that are no points
     std::array<Tally, static_cast<std::size_t>(Reason::count_)> ignored{};   // other damaged lines
-    std::array<std::int64_t, 4> filtered{};                                  // by Verdict
+    std::array<std::int64_t, 5> filtered{};                                  // by Verdict
+    std::map<int, std::int64_t> alreadyIn;  // epochs by the group that has them, taken again or left out
+
+    std::int64_t AlreadyThere() const {
+        std::int64_t n = 0;
+        for (const auto& [place, count] : alreadyIn) n += count;
+        return n;
+    }
 };
 
 }  // namespace gpsbook

@@ -7,11 +7,19 @@ target_sources(gpsbook_lib PRIVATE
   book/DerivedCoordinates.cpp
   book/EditItem.cpp
   book/EpochFilter.cpp
+  book/ExchangeCheck.cpp
+  book/ExchangeLoad.cpp
+  book/ExchangeSave.cpp
   book/Glob.cpp
   book/GroupFiller.cpp
   book/GroupSystem.cpp
   book/Interrupt.cpp
+  book/JournalEntries.cpp
+  book/JournalSalvage.cpp
+  book/KnownFixes.cpp
   book/Lint.cpp
+  book/LiveImport.cpp
+  book/LiveLog.cpp
   book/LogImport.cpp
   book/LogInput.cpp
   book/OpenBook.cpp

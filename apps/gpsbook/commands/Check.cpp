@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -16,6 +18,9 @@
 #include "apps/gpsbook/commands/RunCommand.h"
 #include "apps/gpsbook/commands/TextTable.h"
 #include "apps/gpsbook/commands/Words.h"
+#include "apps/gpsbook/stations/BaseFrame.h"
+#include "apps/gpsbook/stations/StationLint.h"
+#include "apps/gpsbook/stations/UsedStations.h"
 #include "gps/model/CLibGps.h"
 
 namespace gpsbook {
@@ -41,6 +46,10 @@ std::set<std::string> IgnoredFrom(const std::string& list) {
     for (std::size_t begin = 0; !list.empty() && begin <= list.size();) {
         const std::size_t end = std::min(list.find(',', begin), list.size());
         const std::string name = list.substr(begin, end - begin);
+        if (name.empty())
+            throw CommandError(exitUsage, "--ignore: \"" + list +
+                                              "\" has an empty name; give names with one comma "
+                                              "between them");
         bool known = false;
         for (const LintKind& kind : kLintKinds) known = known || name == kind.name;
         if (!known)
@@ -80,11 +89,38 @@ Json FindingJson(const CLibGps& book, const Finding& f) {
             {"what", f.what}};
 }
 
+/// How the coordinates of a group are to be read, where its tags or those of its points say so.
+struct GroupFrame {
+    int group;
+    std::string base;  // empty: the base has no tag
+    std::int64_t vrs;  // points measured against a virtual station
+};
+
+std::vector<GroupFrame> FramesOf(const CLibGps& book) {
+    std::vector<GroupFrame> all;
+    for (int g = 0; g < book.GetGrpArSize(); ++g) {
+        GroupFrame frame{g, FrameOf(*book.GetGrpAt(g)).Text(), 0};
+        for (int p = 0; p < book.GetPunArSize(g); ++p) frame.vrs += book.GetPunAt(g, p)->IsPointVrs() ? 1 : 0;
+        if (!frame.base.empty() || frame.vrs > 0) all.push_back(std::move(frame));
+    }
+    return all;
+}
+
+std::string FrameText(const CLibGps& book, const GroupFrame& f) {
+    std::string line = Printable(PlaceText(book, {f.group, -1})) + ": ";
+    if (!f.base.empty()) line += "base in " + f.base;
+    if (f.vrs > 0)
+        line +=
+            (f.base.empty() ? "" : "; ") + Counted(f.vrs, "point") + " measured against a virtual station";
+    return line + '\n';
+}
+
 std::string Text(gpsproject::Project& project, const std::vector<Finding>& findings) {
     CLibGps& book = project.GetBook();
     std::int64_t points = 0;
     for (int g = 0; g < book.GetGrpArSize(); ++g) points += book.GetPunArSize(g);
     std::string out;
+    for (const GroupFrame& frame : FramesOf(book)) out += FrameText(book, frame);
     for (const Finding& finding : findings) out += FindingText(book, finding);
     return out + fmt::format("{}: {}, {}, {}, {}\n", project.GetPath(),
                              project.GetReport().IsDamaged() ? "damaged" : "whole",
@@ -95,11 +131,18 @@ std::string Text(gpsproject::Project& project, const std::vector<Finding>& findi
 Json CheckJson(gpsproject::Project& project, const std::vector<Finding>& findings) {
     Json all = Json::array();
     for (const Finding& finding : findings) all.push_back(FindingJson(project.GetBook(), finding));
-    return {{"file", project.GetPath()},
+    Json frames = Json::array();
+    for (const GroupFrame& f : FramesOf(project.GetBook()))
+        frames.push_back({{"group", f.group},
+                          {"name", PlaceText(project.GetBook(), {f.group, -1})},
+                          {"base", f.base.empty() ? Json(nullptr) : Json(f.base)},
+                          {"vrs", f.vrs}});
+    return {{"book", project.GetPath()},
             {"version", project.GetStreamVersion()},
             {"damaged", project.GetReport().IsDamaged()},
             {"damages", DamagesJson(project.GetReport())},
             {"notes", project.GetNotes()},
+            {"frames", frames},
             {"findings", all}};
 }
 
@@ -107,6 +150,8 @@ void Run(const Arguments& a) {
     const std::set<std::string> ignored = IgnoredFrom(a.ignore);
     const auto project = OpenToRead(a.book);
     std::vector<Finding> findings = LintBook(project->GetBook());
+    std::vector<Finding> bases = LintBases(project->GetBook(), UsedStations());
+    std::move(bases.begin(), bases.end(), std::back_inserter(findings));
     std::erase_if(findings, [&](const Finding& f) { return ignored.contains(std::string(f.kind)); });
     if (a.json)
         PrintJson(CheckJson(*project, findings));

@@ -95,7 +95,7 @@ void Run(const Arguments& a) {
 }
 
 void AddOptions(CLI::App& c, Arguments& a) {
-    c.add_option("--crs", a.crs, "Plane system: EPSG:code, a PROJ string or WKT")
+    c.add_option("--crs", a.crs, "Plane system: EPSG:code, a PROJ string, WKT or a whole name")
         ->required()
         ->type_name("CRS");
     AddLogOptions(c, a.log, kDefaults);

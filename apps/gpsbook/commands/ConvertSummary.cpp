@@ -15,6 +15,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr Verdict kLeftOut[] = {Verdict::belowQuality, Verdict::outsideTime, Verdict::thinned,
+                                Verdict::alreadyThere};
+
 }  // namespace
 
 std::string SystemLabel(const std::string& crs) {
@@ -98,7 +101,7 @@ Json LogJson(const LogReport& log) {
     Json qualities = Json::object();
     for (const auto& [code, count] : log.byQuality) qualities[std::to_string(code)] = count;
     Json filtered = Json::object();
-    for (const Verdict v : {Verdict::belowQuality, Verdict::outsideTime, Verdict::thinned})
+    for (const Verdict v : kLeftOut)
         if (const auto n = log.filtered[static_cast<std::size_t>(v)]; n > 0) filtered[VerdictText(v)] = n;
     Json base = nullptr;
     if (log.header.hasBase)
@@ -145,7 +148,7 @@ Extent ExtentOf(const CLibGps& book) {
 std::string ReasonLines(const LogReport& log) {
     std::string out;
     AppendTallies(out, log.rejected, "epoch", "rejected");
-    for (const Verdict v : {Verdict::belowQuality, Verdict::outsideTime, Verdict::thinned})
+    for (const Verdict v : kLeftOut)
         if (const auto n = log.filtered[static_cast<std::size_t>(v)]; n > 0)
             fmt::format_to(std::back_inserter(out), "  {} left out: {}\n", Counted(n, "epoch"),
                            VerdictText(v));

@@ -50,9 +50,32 @@ std::vector<gpsproject::Damage> DamagesOf(const Arguments& a, const SectionFile&
     return damages;
 }
 
+// A file that is no book can be a bare section: the versions that fit are told.
+SectionFile OpenedBook(const std::string& file) {
+    try {
+        return SectionFile::OfBook(file);
+    } catch (const gpsproject::ProjectError& e) {
+        if (e.GetKind() != gpsproject::ProjectError::Kind::damaged) throw;
+        const std::vector<short> fitting = FittingVersions(file);
+        if (fitting.empty()) throw;
+        throw CommandError(exitRefused,
+                           fmt::format("{}: is no field book, but can be a bare section; gpsbook dump {} "
+                                       "--version {} shows it",
+                                       file, file, fitting.front()));
+    }
+}
+
+SectionFile OpenedSection(const std::string& file, short version) {
+    SectionFile section = SectionFile::Bare(file, version);
+    if (section.BeginsAsBook())
+        throw CommandError(exitUsage,
+                           "--version: " + file + " is a field book, no bare section; leave the option out");
+    return section;
+}
+
 void Run(const Arguments& a) {
-    const SectionFile section = a.version.empty() ? SectionFile::OfBook(BookFile(a.book))
-                                                  : SectionFile::Bare(a.book, BareVersion(a.version));
+    const SectionFile section =
+        a.version.empty() ? OpenedBook(BookFile(a.book)) : OpenedSection(a.book, BareVersion(a.version));
     const std::vector<gpsproject::Damage> damages = DamagesOf(a, section);
     for (const gpsproject::Damage& damage : damages)
         std::cerr << fmt::format("{}: byte {}: {}: {}\n", section.GetInfo().file, damage.offset,
@@ -83,7 +106,9 @@ void Run(const Arguments& a) {
 }
 
 void AddOptions(CLI::App& c, Arguments& a) {
-    c.add_option("BOOK", a.book, "The field book; with --version a file that is a bare section")->required();
+    c.add_option("BOOK", a.book, "The field book; with --version a file that is a bare section")
+        ->required()
+        ->check(Filled());
     c.add_option("--version", a.version, "The file is a bare section in this stream version")
         ->type_name("V")
         ->check(Filled());

@@ -15,6 +15,7 @@
 #include "apps/gpsbook/book/GroupSystem.h"
 #include "apps/gpsbook/book/OpenBook.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
+#include "apps/gpsbook/commands/Filled.h"
 #include "apps/gpsbook/commands/LogArguments.h"
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/RunCommand.h"
@@ -137,7 +138,7 @@ void Run(const Arguments& a) {
 }
 
 void AddOptions(CLI::App& c, Arguments& a) {
-    c.add_option("BOOK", a.book, "The field book")->required();
+    c.add_option("BOOK", a.book, "The field book")->required()->check(Filled());
     c.add_option("GROUP", a.groups, "Groups, by name or position (#0); none: all");
     AddTableOptions(c, a.table);
     c.add_flag("--json", a.json, "Print the summary as JSON");

@@ -71,7 +71,7 @@ Json InfoJson(gpsproject::Project& project, const BookSummary& s) {
     for (const auto& [code, count] : s.byQuality) qualities[fmt::format("{}", code)] = count;
     Json settings = Json::object();
     for (const auto& [key, value] : project.GetSettings()) settings[key] = value;
-    return {{"file", project.GetPath()},
+    return {{"book", project.GetPath()},
             {"bytes", SizeOf(project.GetPath())},
             {"version", project.GetStreamVersion()},
             {"settings", settings},

@@ -17,6 +17,7 @@
 #include "apps/gpsbook/commands/TextTable.h"
 #include "apps/gpsbook/commands/Words.h"
 #include "apps/gpsbook/fields/NearNames.h"
+#include "apps/gpsbook/stations/BaseFrame.h"
 #include "apps/gpsbook/writers/TextOutput.h"
 #include "gps/model/CLibGps.h"
 
@@ -65,6 +66,10 @@ std::vector<const PointField*> FieldsFrom(const std::string& list, std::vector<c
     for (std::size_t begin = 0; begin <= list.size();) {
         const std::size_t end = std::min(list.find(',', begin), list.size());
         const std::string name = list.substr(begin, end - begin);
+        if (name.empty())
+            throw CommandError(exitUsage, "--fields: \"" + list +
+                                              "\" has an empty name; give names with one comma "
+                                              "between them");
         const PointField* field = FindField<CPunGps>(name);
         if (!field) {
             NearNames near(name);
@@ -108,6 +113,8 @@ std::string GroupJson(CLibGps& book, int g) {
     CGrpGps& group = *book.GetGrpAt(g);
     Json object{{"index", g}};
     for (const GroupField& field : GroupFields()) object[field.name] = ValueJson(field.get(group));
+    const BaseFrame frame = FrameOf(group);
+    object["frame"] = frame.IsTagged() ? Json(frame.Text()) : Json(nullptr);
     object["size"] = book.GetPunArSize(g);
     return Dumped(object);
 }
@@ -152,14 +159,14 @@ void WriteJson(TextOutput& out, CLibGps& book, const Arguments& a, int version) 
 // --- text ------------------------------------------------------------------------------------------------
 
 void WriteGroups(TextOutput& out, CLibGps& book) {
-    TextTable table({{"#", true},
-                     {"name"},
-                     {"date"},
-                     {"points", true},
-                     {"base_lat", true},
-                     {"base_lon", true},
-                     {"base_h", true},
-                     {"crs"}});
+    std::vector<TextTable::Column> columns{
+        {"#", true},        {"name"},           {"date"},         {"points", true},
+        {"base_lat", true}, {"base_lon", true}, {"base_h", true}, {"crs"}};
+    // Most books have no tags: no column for nothing.
+    bool frames = false;
+    for (int g = 0; g < book.GetGrpArSize(); ++g) frames = frames || FrameOf(*book.GetGrpAt(g)).IsTagged();
+    if (frames) columns.push_back({"frame"});
+    TextTable table(std::move(columns));
     const auto cells = [&](int g) {
         CGrpGps& group = *book.GetGrpAt(g);
         std::vector<std::string> row{fmt::format("{}", g), Printable(NameOf(group)),
@@ -171,6 +178,7 @@ void WriteGroups(TextOutput& out, CLibGps& book) {
             if (text.size() > most) text = Printable(text.substr(0, most)) + "...";
             row.push_back(std::move(text));
         }
+        if (frames) row.push_back(FrameOf(group).Text());
         return row;
     };
     for (int g = 0; g < book.GetGrpArSize(); ++g) table.Measure(cells(g));

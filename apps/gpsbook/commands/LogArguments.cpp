@@ -57,9 +57,10 @@ HeightsOf HeightsFrom(const std::string& text) {
 
 double AntennaFrom(const std::string& text) {
     double value = 0;
-    if (!ParseNumber(text, value))
+    const bool read = ParseNumber(text, value);
+    if (!read && !IsNumber(text))
         Usage("--antenna", "\"" + text + "\" is not a number; write metres like 2.000");
-    if (value < 0 || value > 100)
+    if (!read || value < 0 || value > 100)
         Usage("--antenna", "\"" + text + "\" is not between 0 and 100 metres; check the unit");
     return value;
 }
@@ -168,7 +169,8 @@ void AddLogOptions(CLI::App& command, LogArguments& a, const LogDefaults& defaul
     command
         .add_option("LOG", a.logs,
                     "Logs: NMEA 0183 or RTKLIB .pos, told apart by content; - for standard input")
-        ->required();
+        ->required()
+        ->check(Filled());
     AddHeightOptions(command, a.antenna, a.heights, defaults);
     command
         .add_option("--min-quality", a.minQuality, "Lowest quality taken, or a code of the file's own [any]")

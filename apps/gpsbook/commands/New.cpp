@@ -16,6 +16,7 @@
 #include "apps/gpsbook/commands/LogArguments.h"
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/RunCommand.h"
+#include "apps/gpsbook/options/SettingsNote.h"
 
 namespace gpsbook {
 
@@ -52,9 +53,11 @@ void Tell(const Arguments& a, const std::string& file, const std::string& crs, s
 }
 
 void Run(const Arguments& a) {
+    const std::string file = NewBookFile(a.book);
     const short version = StreamVersionFrom("--stream-version", a.version);
     const std::string crs = ProjectionFrom(a.crs).GetDefinizione();
     CheckText("--name", a.name);
+    NoteUnusableSettings();  // a new book takes its options from them
     Project project(version);
     gpsproject::ProjectSettings& settings = project.GetSettings();
     settings[kSettingCrs] = crs;
@@ -64,15 +67,15 @@ void Run(const Arguments& a) {
         HeightsFrom(a.heights);
         settings[kSettingHeights] = a.heights;
     }
-    const std::string file = NewBookFile(a.book);
-    project.SaveAs(file, a.overwrite);
+    SaveNewBook(project, file, a.overwrite);
     Tell(a, file, crs, version);
 }
 
 void AddOptions(CLI::App& c, Arguments& a) {
     c.add_option("BOOK", a.book, "The field book to make; .gpsbook is put behind a name without ending")
-        ->required();
-    c.add_option("--crs", a.crs, "Plane system of its groups: EPSG:code, a PROJ string or WKT")
+        ->required()
+        ->check(Filled());
+    c.add_option("--crs", a.crs, "Plane system of its groups: EPSG:code, a PROJ string, WKT or a whole name")
         ->required()
         ->type_name("CRS");
     c.add_option("--name", a.name, "Name of the project")->type_name("TEXT");

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -13,6 +15,7 @@
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/RunCommand.h"
 #include "apps/gpsbook/options/OptionTable.h"
+#include "apps/gpsbook/options/SettingsNote.h"
 #include "apps/gpsbook/writers/WriteError.h"
 #include "gps/model/CLibGps.h"
 #include "platform/base/CIniFile.h"
@@ -78,6 +81,7 @@ Json ValueJson(const OptionValue& value) {
 void Show(const Arguments& a, bool bare) {
     const auto project = a.book.empty() ? std::make_unique<Project>() : OpenToRead(a.book);
     CLibGps& book = project->GetBook();
+    NoteUnusableSettings();
     const bool ofBook = !a.book.empty();
     const bool hasPostProc = book.HasOpzPostProc();
     Json list = Json::array();
@@ -113,8 +117,7 @@ void Show(const Arguments& a, bool bare) {
     Usage(option.name, "is not kept in the settings but in each book; name one with --book");
 }
 
-void WriteSetting(const OptionEntry& option, const OptionValue& value) {
-    CIniFile file;
+void WriteSetting(CIniFile& file, const OptionEntry& option, const OptionValue& value) {
     const char* section = option.section.c_str();
     const char* key = option.key.c_str();
     bool written = false;
@@ -137,8 +140,7 @@ void WriteSetting(const OptionEntry& option, const OptionValue& value) {
                          "closed to you, or the disk full");
 }
 
-void ResetSetting(const OptionEntry& option) {
-    CIniFile file;
+void ResetSetting(CIniFile& file, const OptionEntry& option) {
     if (!file.HasValue(option.section.c_str(), option.key.c_str())) return;
     if (!file.Remove(option.section.c_str(), option.key.c_str()))
         throw WriteError(file.GetPath(),
@@ -166,6 +168,7 @@ void ApplyToBook(const Arguments& a, std::vector<Change> changes) {
     if (a.items.empty() && !project->GetBook().HasOpzPostProc())
         std::erase_if(changes, [](const Change& c) { return IsPostProc(*c.option); });
     for (const Change& change : changes) change.option->set(project->GetBook(), change.value);
+    project->GetEdits().OptionsChanged();
     SaveBook(*project);
     TellChanges(a, project->GetPath(), changes);
 }
@@ -177,12 +180,17 @@ void Set(const Arguments& a) {
         if (at == std::string::npos)
             Usage("NAME=VALUE", "\"" + item + "\" has no '='; write it like points.ColSimb=3");
         const OptionEntry& option = Named(item.substr(0, at));
+        if (std::any_of(changes.begin(), changes.end(), [&](const Change& c) { return c.option == &option; }))
+            Usage(option.name, "given twice; give one value");
         if (a.book.empty() ? !option.InSettings() : !option.inBook) RefusePlace(option, !a.book.empty());
         changes.push_back({&option, ParseOption(option, item.substr(at + 1))});
     }
     if (!a.book.empty()) return ApplyToBook(a, changes);
-    for (const Change& change : changes) WriteSetting(*change.option, change.value);
-    TellChanges(a, CIniFile().GetPath(), changes);
+    CIniFile file;
+    const bool damaged = file.GetState() == CIniFile::State::Damaged;
+    for (const Change& change : changes) WriteSetting(file, *change.option, change.value);
+    NoteKeptSettings(file, damaged);
+    TellChanges(a, file.GetPath(), changes);
 }
 
 // In a book: back to what a new book has on this computer. In the settings: back to the default.
@@ -196,8 +204,10 @@ void Reset(const Arguments& a) {
             changes.push_back({option, a.book.empty() ? option->byDefault : option->get(fresh.GetBook())});
     }
     if (!a.book.empty()) return ApplyToBook(a, changes);
-    for (const Change& change : changes) ResetSetting(*change.option);
-    TellChanges(a, CIniFile().GetPath(), changes);
+    NoteUnusableSettings();
+    CIniFile file;
+    for (const Change& change : changes) ResetSetting(file, *change.option);
+    TellChanges(a, file.GetPath(), changes);
 }
 
 using Work = void (*)(const Arguments&);

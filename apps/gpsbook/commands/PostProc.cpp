@@ -12,6 +12,7 @@
 
 #include "apps/gpsbook/book/OpenBook.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
+#include "apps/gpsbook/commands/Filled.h"
 #include "apps/gpsbook/commands/LogArguments.h"
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/RunCommand.h"
@@ -130,6 +131,7 @@ void Tell(const Arguments& a, const std::string& book, const std::string& did, C
 }
 
 void SaveAndTell(const Arguments& a, gpsproject::Project& project, const std::string& did) {
+    project.GetEdits().OptionsChanged();
     SaveBook(project);
     Tell(a, project.GetPath(), did, *project.GetBook().GetOpzPostProc(),
          "the result could not be told, " + project.GetPath() + " is saved");
@@ -171,7 +173,9 @@ int IndexOf(COpzPostProc& options, bool base, const std::string& file) {
     const std::vector<ObservationFile>& list = ListOf(options, base);
     const std::string path = Absolute(file);
     for (std::size_t i = 0; i < list.size(); ++i)
-        if (list[i].sFile == file || Absolute(list[i].sFile) == path) return static_cast<int>(i);
+        if (list[i].sFile == file || Absolute(list[i].sFile) == path ||
+            IsSameFile(PercorsoDiSistema(list[i].sFile.c_str()), path))
+            return static_cast<int>(i);
     return -1;
 }
 
@@ -235,7 +239,7 @@ std::shared_ptr<Arguments> AddWithin(CLI::App& postproc, CLI::App*& command, con
                                      const char* help, const char* examples, Work work, int& exitCode) {
     command = postproc.add_subcommand(name, help);
     const auto a = std::make_shared<Arguments>();
-    command->add_option("BOOK", a->book, "The field book")->required();
+    command->add_option("BOOK", a->book, "The field book")->required()->check(Filled());
     command->add_flag("--json", a->json, "Print the files as JSON");
     command->footer(examples);
     command->callback([a, work, &exitCode] { exitCode = RunCommand("postproc", [&] { work(*a); }); });
@@ -265,14 +269,16 @@ void AddPostProcCommand(CLI::App& app, int& exitCode) {
                                "  gpsbook postproc add site.gpsbook rover1.tps rover2.tps\n"
                                "  gpsbook postproc add site.gpsbook master.tps --base",
                                Add, exitCode);
-    c->add_option("FILE", add->files, "Observation files")->required();
+    c->add_option("FILE", add->files, "Observation files")->required()->check(Filled());
     c->add_flag("--base", add->base, "Files of bases, not of rovers");
     const auto remove =
         AddWithin(*postproc, c, "remove", "Remove files from a list; the files themselves stay",
                   "Examples:\n"
                   "  gpsbook postproc remove site.gpsbook '#0' rover2.tps",
                   Remove, exitCode);
-    c->add_option("FILE", remove->files, "Observation files, by name or position (#0)")->required();
+    c->add_option("FILE", remove->files, "Observation files, by name or position (#0)")
+        ->required()
+        ->check(Filled());
     c->add_flag("--base", remove->base, "Files of bases, not of rovers");
 }
 

@@ -67,20 +67,26 @@ void Write(Arguments& a) {
     EndReading(*project);  // a part of a book is not handed on as the whole
     a.book = project->GetPath();
     const std::vector<std::string> notHeld = gpsproject::NotHeldBy(*project, version);
+    if (!IsSameFile(a.file, a.book)) NeedFreeName(a.file, a.overwrite);
     gpsproject::WriteSection(*project, a.file, version, a.overwrite);
     Tell(a, a.file, "GPS section", project->GetBook(), version, notHeld);
 }
 
 short VersionOf(const Arguments& a) {
     if (!a.version.empty()) return StreamVersionFrom("--version", a.version);
+    if (SectionFile::Bare(a.file, Project::kNewestVersion).BeginsAsBook())
+        throw CommandError(exitRefused, a.file +
+                                            ": is a field book already; gpsbook section write makes a "
+                                            "bare section of it");
     const std::vector<short> fitting = FittingVersions(a.file);
     if (fitting.size() == 1) return fitting.front();
     if (fitting.empty())
         throw CommandError(
             exitRefused,
-            a.file +
-                ": the layout of no version ends where the file ends; it is no GPS section, or a "
-                "damaged one: gpsbook dump --version shows where it goes wrong");
+            fmt::format("{}: the layout of no version ends where the file ends; it is no GPS section, or a "
+                        "damaged one: gpsbook dump {} --version V, with its version, shows where it goes "
+                        "wrong",
+                        a.file, a.file));
     std::string versions;
     for (const short version : fitting)
         versions += fmt::format("{}{}", versions.empty() ? "" : ", ", version);
@@ -89,6 +95,11 @@ short VersionOf(const Arguments& a) {
 }
 
 void Read(Arguments& a) {
+    a.book = NewBookFile(a.book);
+    if (IsSameFile(a.file, a.book))
+        throw CommandError(exitUsage, "BOOK: \"" + a.book +
+                                          "\" is the section itself, which the book would replace; give "
+                                          "another name");
     const short version = VersionOf(a);
     Project project(version);
     gpsproject::ReadSection(a.file, version, project);
@@ -100,12 +111,7 @@ void Read(Arguments& a) {
     }
     // Groups to come get the system of the first one that has such a name.
     if (!crs.empty()) project.GetSettings()[kSettingCrs] = crs;
-    a.book = NewBookFile(a.book);
-    if (IsSameFile(a.file, a.book))
-        throw CommandError(exitUsage, "BOOK: \"" + a.book +
-                                          "\" is the section itself, which the book would replace; give "
-                                          "another name");
-    project.SaveAs(a.book, a.overwrite);
+    SaveNewBook(project, a.book, a.overwrite);
     Tell(a, a.book, "new field book", book, version, {});
 }
 
@@ -113,8 +119,8 @@ void AddWrite(CLI::App& section, int& exitCode) {
     CLI::App* c =
         section.add_subcommand("write", "Write the GPS section of a field book as a file of its own");
     const auto a = std::make_shared<Arguments>();
-    c->add_option("BOOK", a->book, "The field book")->required();
-    c->add_option("FILE", a->file, "The file to write")->required();
+    c->add_option("BOOK", a->book, "The field book")->required()->check(Filled());
+    c->add_option("FILE", a->file, "The file to write")->required()->check(Filled());
     c->add_option("--version", a->version,
                   fmt::format("Stream version, {} to {}", Project::kOldestVersion, Project::kNewestVersion))
         ->required()
@@ -131,8 +137,8 @@ void AddWrite(CLI::App& section, int& exitCode) {
 void AddRead(CLI::App& section, int& exitCode) {
     CLI::App* c = section.add_subcommand("read", "Make a field book of a GPS section");
     const auto a = std::make_shared<Arguments>();
-    c->add_option("FILE", a->file, "The bare section")->required();
-    c->add_option("BOOK", a->book, "The field book to make")->required();
+    c->add_option("FILE", a->file, "The bare section")->required()->check(Filled());
+    c->add_option("BOOK", a->book, "The field book to make")->required()->check(Filled());
     c->add_option("--version", a->version, "Its stream version [the only one that fits]")
         ->type_name("V")
         ->check(Filled());

@@ -38,7 +38,8 @@ TableFormat FormatFrom(const TableArguments& a) {
 
 void AddTableOptions(CLI::App& command, TableArguments& a) {
     command.add_option("-o,--output", a.output, "File to write, - for standard output [-]")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(Filled());
     command.add_option("-f,--format", a.format, "Format [by the file's ending, else csv]")
         ->type_name(FormatNames("|"))
         ->check(Filled());

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "apps/gpsbook/commands/Filled.h"
+
 namespace gpsbook {
 
 Words SplitWords(const std::vector<std::string>& words) {
@@ -21,7 +23,7 @@ CLI::Option* AddWords(CLI::App& command, const std::string& name, std::vector<st
 }
 
 CLI::Option* AddBook(CLI::App& command, std::string& book) {
-    return command.add_option("BOOK", book, "The book")->required();
+    return command.add_option("BOOK", book, "The book")->required()->check(Filled());
 }
 
 }  // namespace gpsbook

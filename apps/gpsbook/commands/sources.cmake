@@ -1,5 +1,6 @@
 target_sources(gpsbook_lib PRIVATE
   commands/Add.cpp
+  commands/Base.cpp
   commands/ChangeReport.cpp
   commands/Check.cpp
   commands/Completion.cpp
@@ -8,9 +9,18 @@ target_sources(gpsbook_lib PRIVATE
   commands/ConvertSummary.cpp
   commands/Delete.cpp
   commands/Dump.cpp
+  commands/ExchangeOptions.cpp
+  commands/ExchangeReport.cpp
   commands/Export.cpp
+  commands/Find.cpp
+  commands/Groups.cpp
   commands/Import.cpp
+  commands/ImportLive.cpp
+  commands/ImportSummary.cpp
+  commands/ImportTarget.cpp
   commands/Info.cpp
+  commands/Journal.cpp
+  commands/JournalRecover.cpp
   commands/List.cpp
   commands/LogArguments.cpp
   commands/Manual.cpp
@@ -18,6 +28,7 @@ target_sources(gpsbook_lib PRIVATE
   commands/New.cpp
   commands/Options.cpp
   commands/Output.cpp
+  commands/Points.cpp
   commands/Positions.cpp
   commands/PostProc.cpp
   commands/Program.cpp
@@ -26,7 +37,9 @@ target_sources(gpsbook_lib PRIVATE
   commands/Set.cpp
   commands/Show.cpp
   commands/Simulate.cpp
+  commands/Stations.cpp
   commands/Swap.cpp
   commands/TableArguments.cpp
   commands/TextTable.cpp
+  commands/Vrs.cpp
   commands/Words.cpp)

@@ -40,8 +40,8 @@ std::string ValueJson(const StoredField& field) {
 void FieldPrinter::Begin(const SectionInfo& info) {
     if (json_)
         fmt::format_to(std::back_inserter(out_),
-                       "{{\n\"file\": {}, \"version\": {}, \"offset\": {}, \"size\": {},\n\"fields\": [",
-                       Quoted(info.file), info.version, info.offset, info.size);
+                       "{{\n\"{}\": {}, \"version\": {}, \"offset\": {}, \"size\": {},\n\"fields\": [",
+                       info.bare ? "file" : "book", Quoted(info.file), info.version, info.offset, info.size);
     else
         fmt::format_to(std::back_inserter(out_), "{}: version {}, {} bytes from byte {}\n", info.file,
                        info.version, info.size, info.offset);

@@ -10,6 +10,7 @@ namespace gpsbook {
 /// What is said of the section before its fields.
 struct SectionInfo {
     std::string file;
+    bool bare = false;  // the file is the section, else a book that holds it
     short version = 0;
     std::int64_t offset = 0;  // byte of the file
     std::int64_t size = 0;    // bytes

@@ -8,6 +8,7 @@
 
 #include "apps/gpsbook/commands/CommandError.h"
 #include "host/os/FileOperations.h"
+#include "host/project/ContainerFormat.h"
 
 namespace gpsbook {
 
@@ -44,7 +45,8 @@ SectionFile::SectionFile(const std::string& file) {
         if (error == ENOENT || error == ENOTDIR)
             throw CommandError(exitNotFound, file + ": there is no such file; check the name");
         if (error == EISDIR)
-            throw CommandError(exitFailure, file + ": is no ordinary file; give a field book");
+            throw CommandError(exitRefused,
+                               file + ": is no ordinary file; give the name of a field book or section");
         throw CommandError(exitFailure, file + ": cannot be read (" + std::generic_category().message(error) +
                                             "); check its permissions");
     }
@@ -82,12 +84,20 @@ SectionFile SectionFile::OfBook(const std::string& file) {
 
 SectionFile SectionFile::Bare(const std::string& file, short version) {
     SectionFile opened(file);
+    opened.info_.bare = true;
     opened.info_.version = version;
     opened.info_.size = opened.fileSize_;
     opened.found_.entry.version = version;
     opened.found_.entry.offset = 0;
     opened.found_.entry.length = opened.fileSize_;
     return opened;
+}
+
+bool SectionFile::BeginsAsBook() const {
+    char head[gpsproject::kMarkerSize];
+    std::size_t got = 0;
+    const int error = FileOperations::System().ReadAt(file_, 0, head, sizeof head, got);
+    return error == 0 && std::string_view(head, got) == gpsproject::kFileMarker;
 }
 
 std::unique_ptr<StreamSource> SectionFile::Source() const {

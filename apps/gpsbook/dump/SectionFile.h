@@ -28,6 +28,9 @@ public:
     const SectionInfo& GetInfo() const { return info_; }
     const std::vector<gpsproject::Damage>& GetDamages() const { return damages_; }
 
+    /// Whether the file begins as a field book does, in which a section stands somewhere else.
+    bool BeginsAsBook() const;
+
     /// A fresh source of its bytes, which this object outlives.
     std::unique_ptr<StreamSource> Source() const;
 

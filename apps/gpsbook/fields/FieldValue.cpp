@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "apps/gpsbook/commands/CommandError.h"
+#include "apps/gpsbook/fields/SystemText.h"
 #include "apps/gpsbook/fields/TextRules.h"
 #include "apps/gpsbook/readers/FieldText.h"
 #include "apps/gpsbook/simulator/SimulationOptions.h"
@@ -35,9 +36,10 @@ std::string RangeText(const FieldInfo& field) {
 
 double ParseReal(const FieldInfo& field, const std::string& text) {
     double value = 0;
-    if (!ParseNumber(text, value))
+    const bool read = ParseNumber(text, value);
+    if (!read && !IsNumber(text))
         Refuse(field, fmt::format("\"{}\" is not a number; give {}", text, RangeText(field)));
-    if (value < field.low || value > field.high)
+    if (!read || value < field.low || value > field.high)
         Refuse(field, fmt::format("{} is outside {}; check the unit", text, RangeText(field)));
     return value;
 }
@@ -69,8 +71,7 @@ FieldValue ParseTime(const FieldInfo& field, const std::string& text) {
 
 FieldValue ParseCrs(const FieldInfo& field, const std::string& text) {
     CProiezPla projection;
-    std::string why;
-    if (!projection.SetDefinizione(text, why)) Refuse(field, why);
+    if (const std::string problem = ReadSystem(text, projection); !problem.empty()) Refuse(field, problem);
     return projection.GetDefinizione();
 }
 

@@ -94,7 +94,7 @@ void AppendBase(Fields& f) {
                                                                  "the base's phase centre above its mark"}));
     AppendPlaneFields(f);
     f.push_back({{"crs", FieldKind::crs, "", 0, 0, 0, Feeds::groupPlanes,
-                  "plane system: EPSG:code, a PROJ string or WKT"},
+                  "plane system: EPSG:code, a PROJ string, WKT or a whole name"},
                  CrsOf,
                  SetCrs});
     f.push_back(WholeField<short, &G::GetCodeElab, &G::SetCodeElab>(

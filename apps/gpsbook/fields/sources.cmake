@@ -5,4 +5,5 @@ target_sources(gpsbook_lib PRIVATE
   fields/GroupFields.cpp
   fields/NearNames.cpp
   fields/PointFields.cpp
+  fields/SystemText.cpp
   fields/TextRules.cpp)

@@ -261,7 +261,7 @@ OptionValue ParseOption(const OptionEntry& option, const std::string& text) {
         }
         case OptionKind::real: {
             double value = 0;
-            if (!ParseNumber(text, value)) Refuse(option, text, "a number like 0.95");
+            if (!ParseNumber(text, value)) Refuse(option, text, "a number like 0.95, at most 1e15");
             return value;
         }
         case OptionKind::text:

@@ -1,3 +1,4 @@
 # The options of a field book.
 target_sources(gpsbook_lib PRIVATE
-  options/OptionTable.cpp)
+  options/OptionTable.cpp
+  options/SettingsNote.cpp)

@@ -62,6 +62,14 @@ bool ParseNumber(std::string_view text, double& value) {
     return true;
 }
 
+bool IsNumber(std::string_view text) {
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+    if (text.empty() || (!IsDigit(text.front()) && text.front() != '.')) return false;
+    double unused = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), unused);
+    return error != std::errc::invalid_argument && stop == text.data() + text.size();
+}
+
 bool ParseCount(std::string_view text, int& value) {
     if (text.empty() || text.size() > 6) return false;
     int v = 0;

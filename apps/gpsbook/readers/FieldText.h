@@ -20,6 +20,9 @@ struct Fault {
 /// On error (not a number, not finite, or larger than 1e15, which no field of a log reaches): false.
 bool ParseNumber(std::string_view text, double& value);
 
+/// Whether the text is a decimal number of any size.
+bool IsNumber(std::string_view text);
+
 /// A whole number without sign, one to six digits. On error: false.
 bool ParseCount(std::string_view text, int& value);
 

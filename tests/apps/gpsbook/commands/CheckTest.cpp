@@ -50,6 +50,8 @@ TEST(Check, KindsAreLeftOutWhenAsked) {
     site.ExpectRefused({"check", "site.gpsbook", "--ignore", "unset,colour"}, 2,
                        "--ignore: \"colour\" is unknown; give some of name-twice, ");
     site.ExpectRefused({"check", "site.gpsbook", "--ignore", ""}, 2, "--ignore");
+    site.ExpectRefused({"check", "site.gpsbook", "--ignore", "unset,,day"}, 2,
+                       "--ignore: \"unset,,day\" has an empty name");
 }
 
 TEST(Check, EveryKindIsOnItsPage) {

@@ -185,7 +185,8 @@ TEST(ConvertOptions, SystemThatIsNotAPlaneOneIsRefused) {
     const std::pair<const char*, const char*> rows[] = {
         {"EPSG:999999", "is not a coordinate system that PROJ knows"},
         {"EPSG:", "is not a coordinate system"},
-        {"", "is not a coordinate system"},
+        {"", "the system is empty"},
+        {"Monte Mario Italy 2", "is not the whole name of a system"},
         {"utm 33", "is not a coordinate system"},
         {"EPSG:4326", "'EPSG:4326' is a geographic system: give a projected one"},
         {"EPSG:4979", "is a geographic system"},

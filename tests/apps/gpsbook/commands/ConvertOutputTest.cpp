@@ -135,7 +135,7 @@ TEST(ConvertOutput, PlaceThatCannotBeWrittenIsAFailure) {
 TEST(ConvertOutput, FormatThatNothingTellsIsAUsageError) {
     const Workplace place;
     place.Put("a.nmea", OneFixed());
-    for (const char* name : {"out.txt", "out", "csv", ""}) {
+    for (const char* name : {"out.txt", "out", "csv"}) {
         const Outcome outcome = place.Convert({"a.nmea", "-o", name});
         EXPECT_EQ(outcome.exitCode, 2) << outcome;
         EXPECT_NE(outcome.err.find("the ending does not tell the format; give one with -f"),

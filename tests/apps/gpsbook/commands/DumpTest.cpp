@@ -29,7 +29,8 @@ TEST(Dump, FieldsStandWhereTheirOffsetSays) {
     const Outcome outcome = site.Run({"dump", "site.gpsbook", "--json"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome;
     const json dump = Dumped(outcome);
-    EXPECT_EQ(dump["file"], "site.gpsbook");
+    EXPECT_EQ(dump["book"], "site.gpsbook");
+    EXPECT_FALSE(dump.contains("file"));
     EXPECT_EQ(dump["version"], 1400);
     EXPECT_EQ(dump["groups"], 2);
     EXPECT_EQ(dump["points"], 6);
@@ -155,7 +156,7 @@ TEST(Dump, FileThatIsNotThereIsNotFound) {
     const Site site;
     EXPECT_EQ(site.Run({"dump", "gone.gpsbook"}).exitCode, 5);
     EXPECT_EQ(site.Run({"dump", "gone.bin", "--version", "1400"}).exitCode, 5);
-    EXPECT_EQ(site.Run({"dump", "."}).exitCode, 1);
+    EXPECT_EQ(site.Run({"dump", "."}).exitCode, 4);
     EXPECT_EQ(site.Run({"dump"}).exitCode, 2);
 }
 

@@ -85,6 +85,65 @@ TEST(Import, JsonTellsTheSame) {
     EXPECT_EQ(summary["without_plane"], 0);
 }
 
+TEST(Import, EpochsThatAreThereAlreadyAreTold) {
+    const Imports place;
+    ASSERT_EQ(place.Import({"a.nmea", "--every", "3"}).err, "");
+    const Outcome again = place.Import({"a.nmea"});
+    EXPECT_EQ(again.exitCode, 0) << again;
+    EXPECT_EQ(again.err,
+              "note: a.nmea: 4 of these epochs are already in group a (same time and position); "
+              "--skip-existing leaves them out\n");
+    EXPECT_NE(again.out.find("site.gpsbook: 10 points added, 14 points in 2 groups now"), std::string::npos)
+        << again;
+    const json third = JsonOf(place.Import({"a.nmea", "--json"}));
+    EXPECT_EQ(third["already_there"], 10);
+    EXPECT_EQ(third["files"][0]["already_there"], 10);
+    EXPECT_EQ(third["points"], 10);
+}
+
+TEST(Import, EpochsThatAreThereAlreadyAreLeftOutWhenAsked) {
+    const Imports place;
+    ASSERT_EQ(place.Import({"a.nmea", "--every", "3"}).exitCode, 0);
+    const Outcome rest = place.Import({"a.nmea", "--group", "a", "--skip-existing"});
+    EXPECT_EQ(rest.exitCode, 0) << rest;
+    EXPECT_EQ(rest.err, "");
+    EXPECT_NE(rest.out.find("a.nmea: NMEA 0183, 10 epochs, 6 points in group a\n"), std::string::npos)
+        << rest;
+    EXPECT_NE(rest.out.find("  4 epochs left out: in the book already\n"), std::string::npos) << rest;
+    EXPECT_EQ(place.Column("name"), "P1 P2 P3 P4 P5 P6 P7 P8 P9 P10") << "no number is used up";
+    EXPECT_EQ(place.Column("time").substr(0, 51), "2024-05-01T08:00:00.000Z 2024-05-01T08:00:03.000Z 2");
+    const std::string bytes = place.Text("site.gpsbook");
+    const Outcome nothing = place.Import({"a.nmea", "--skip-existing"});
+    EXPECT_EQ(nothing.exitCode, 0) << nothing;
+    EXPECT_NE(nothing.out.find("site.gpsbook: nothing to add, 10 points in 1 group now\n"), std::string::npos)
+        << nothing;
+    const json told = JsonOf(place.Import({"a.nmea", "--skip-existing", "--json"}));
+    EXPECT_EQ(told["saved"], false);
+    EXPECT_EQ(told["already_there"], 10);
+    EXPECT_EQ(told["files"][0]["filtered"], json::parse(R"({"in the book already":10})"));
+    EXPECT_TRUE(place.Text("site.gpsbook") == bytes) << "nothing was saved";
+}
+
+TEST(Import, LogNamedTwiceIsAlreadyThereTheSecondTime) {
+    const Imports place;
+    const Outcome outcome = place.Import({"a.nmea", "a.nmea", "--skip-existing"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_NE(outcome.out.find("site.gpsbook: 10 points added, 10 points in 1 group now"), std::string::npos)
+        << outcome;
+    EXPECT_EQ(place.Import({"a.nmea", "--skip-existing", "--min-quality", "fix"}).exitCode, 0);
+    place.Put("other.nmea", "no log\n");
+    EXPECT_EQ(place.Import({"other.nmea", "--skip-existing"}).exitCode, 1)
+        << "nothing usable, and nothing there";
+}
+
+TEST(Import, OtherTimeOrHeightIsAnotherEpoch) {
+    const Imports place;
+    ASSERT_EQ(place.Import({"a.nmea"}).exitCode, 0);
+    place.Put("b.nmea", Rmc("080000.00", "020524") + Position("080000.00", 4));
+    EXPECT_EQ(place.Import({"b.nmea"}).err, "") << "a day later";
+    EXPECT_EQ(place.Import({"a.nmea", "--heights", "marker", "--antenna", "2"}).err, "") << "2 m higher";
+}
+
 TEST(Import, SettingsOfTheBookHoldUnlessOthersAreGiven) {
     const Imports place({"--antenna", "2", "--heights", "marker"});
     ASSERT_EQ(place.Import({"a.nmea", "--every", "9"}).exitCode, 0);

@@ -119,6 +119,8 @@ TEST(List, WhatCannotBeIsRefused) {
     site.ExpectRefused({"list", "site.gpsbook", "--from", "noon"}, 2, "--from: \"noon\" is not a time");
     site.ExpectRefused({"list", "site.gpsbook", "--fields", "lat,latt"}, 2,
                        "--fields: \"latt\" is no field of a point; is it lat");
+    site.ExpectRefused({"list", "site.gpsbook", "--fields", "name,,lat"}, 2,
+                       "--fields: \"name,,lat\" has an empty name; give names with one comma between them");
     site.ExpectRefused({"list", "site.gpsbook", "--name", ""}, 2, "--name");
     site.ExpectRefused({"list", "site.gpsbook", "Quay/P1"}, 2, "\"Quay/P1\" is a point; give groups only");
     site.ExpectRefused({"list", "site.gpsbook", "Mole"}, 5, "there is no group \"Mole\"");

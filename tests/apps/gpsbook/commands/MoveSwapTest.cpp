@@ -19,6 +19,8 @@ TEST(Move, PointsStandTogetherFromAPositionOn) {
 TEST(Move, GroupsTakeTheirPoints) {
     const Site site;
     const auto json = JsonOf(site.Run({"move", "site.gpsbook", "Pier", "--to", "#0", "--json"}));
+    EXPECT_EQ(json["book"], "site.gpsbook");
+    EXPECT_EQ(json["saved"], true);
     EXPECT_EQ(json["moved"], 1);
     EXPECT_EQ(json["first"], 0);
     EXPECT_TRUE(json["group"].is_null());
@@ -48,6 +50,30 @@ TEST(Move, PointsOfAnotherGroupGetItsPlaneCoordinates) {
     EXPECT_EQ(site.Points("Pier"), "A B P1");
     EXPECT_GT(site.Field("Pier/P1", "east").get<double>(), east + 100'000);
     EXPECT_EQ(site.Field("Pier/P1", "lat"), 45.65);
+}
+
+TEST(Move, ToWhereTheyStandSavesNothing) {
+    const Site site;
+    const std::string bytes = site.Bytes();
+    const std::pair<std::vector<std::string>, const char*> rows[] = {
+        {{"Quay", "--to", "0"}, "nothing to do: 1 group stands at #0 already\n"},
+        {{"Pier"}, "nothing to do: 1 group stands at #1 already\n"},
+        {{"Quay/P2", "Quay/P3", "--to", "1"}, "nothing to do: 2 points stand at #1 already\n"},
+        {{"Quay/P4", "--group", "Quay"}, "nothing to do: 1 point stands at #3 already\n"}};
+    for (const auto& [words, text] : rows) {
+        std::vector<std::string> arguments{"move", "site.gpsbook"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const Outcome outcome = site.Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome;
+        EXPECT_EQ(outcome.out, text);
+        EXPECT_EQ(outcome.err, "");
+        arguments.push_back("--json");
+        const auto json = JsonOf(site.Run(arguments));
+        EXPECT_EQ(json["saved"], false);
+        EXPECT_EQ(json["moved"], 0);
+    }
+    EXPECT_TRUE(site.Bytes() == bytes);
+    EXPECT_EQ(site.Names(), std::vector<std::string>{"site.gpsbook"}) << "no backup: nothing was saved";
 }
 
 TEST(Move, WhatCannotBeIsRefusedAndChangesNothing) {

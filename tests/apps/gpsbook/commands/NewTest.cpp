@@ -56,6 +56,18 @@ TEST(New, OldStreamVersionIsTakenAndSaysWhatItHasNoPlaceFor) {
     EXPECT_EQ(Project::Open(place.Path("a.gpsbook"), Project::Mode::read)->GetStreamVersion(), 903);
 }
 
+TEST(New, SystemIsTheOneThatWasNamedAndIsTold) {
+    const Workplace place;
+    const Outcome named = place.Run({"new", "a", "--crs", " WGS 84 / UTM zone 33N"});
+    EXPECT_EQ(named.out, "a.gpsbook: new field book, EPSG:32633, stream version 1400\n") << named;
+    EXPECT_EQ(JsonOf(place.Run({"new", "b", "--crs", "EPSG:32633 ", "--json"}))["crs"], "EPSG:32633");
+    EXPECT_EQ(Setting(place, "b.gpsbook", "crs"), "EPSG:32633");
+    const Outcome like = place.Run({"new", "c", "--crs", "Monte Mario Italy 2"});
+    EXPECT_EQ(like.exitCode, 2) << like;
+    EXPECT_NE(like.err.find("if 'Monte Mario / Italy zone 2' is meant, give EPSG:3004"), std::string::npos)
+        << like;
+}
+
 TEST(New, JsonTellsTheSame) {
     const Workplace place;
     const json made =

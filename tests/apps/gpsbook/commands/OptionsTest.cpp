@@ -165,6 +165,11 @@ TEST(Options, WhatCannotBeIsRefusedAndNothingIsChanged) {
         {{"set", "postproc.sSuffissoPtNuovi=x", "--book", "site.gpsbook"},
          2,
          "is not kept in a book but in the settings"},
+        {{"set", "points.ColSimb=3", "points.ColSimb=4"}, 2, "points.ColSimb: given twice; give one value"},
+        {{"set", "book.OpzFlagA=1", "book.OpzFlagA=1", "--book", "site.gpsbook"},
+         2,
+         "book.OpzFlagA: given twice"},
+        {{"set", "postproc.dPar1=1e30", "--book", "site.gpsbook"}, 2, "a number like 0.95, at most 1e15"},
         {{"reset", "postproc.wPar1"}, 2, "postproc.wPar1: is not kept in the settings"},
         {{"list", "--book", "gone.gpsbook"}, 5, "gone.gpsbook"},
         {{"list", "--book", ""}, 2, "--book"},
@@ -179,6 +184,42 @@ TEST(Options, WhatCannotBeIsRefusedAndNothingIsChanged) {
         EXPECT_TRUE(site.Bytes() == bytes) << row.words;
         EXPECT_EQ(site.Names(), std::vector<std::string>{"site.gpsbook"}) << row.words;
     }
+}
+
+TEST(Options, DamagedSettingsAreToldAndKept) {
+    const OptionSite site;
+    const std::string damaged("[DIS-GPS-Punti GPS]\nColSimb = 8\n\0", 33);
+    site.Put("settings.ini", damaged);
+    const std::string told = "settings.ini: is damaged and gives no settings, the defaults hold";
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"list"}, {"get", "points.ColSimb"}, {"reset"}}) {
+        const Outcome outcome = site.Options(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome;
+        EXPECT_NE(outcome.err.find(told), std::string::npos) << outcome;
+        EXPECT_EQ(site.Text("settings.ini"), damaged);
+    }
+    Surroundings around;
+    around.environment["GPS_SURVEY_SETTINGS"] = site.Path("settings.ini");
+    const Outcome made = site.Run({"new", "b", "--crs", "EPSG:32633"}, around);
+    EXPECT_NE(made.err.find(told), std::string::npos) << "a new book has options of the settings\n" << made;
+    const Outcome set = site.Options({"set", "points.ColSimb=9", "points.ColNome=9"});
+    EXPECT_EQ(set.exitCode, 0) << set;
+    EXPECT_NE(set.err.find("a new file is begun, and the former one is " + site.Path("settings.ini.damaged")),
+              std::string::npos)
+        << set;
+    EXPECT_EQ(site.Text("settings.ini.damaged"), damaged);
+    const Outcome again = site.Options({"set", "points.ColSimb=8"});
+    EXPECT_EQ(again.err, "") << "the new file is a good one";
+    EXPECT_EQ(site.Options({"list"}).err, "");
+}
+
+TEST(Options, SettingsThatCannotBeReadAreTold) {
+    const OptionSite site;
+    std::filesystem::create_directory(site.Path("settings.ini"));
+    const Outcome outcome = site.Options({"get", "points.ColSimb"});
+    EXPECT_EQ(outcome.out, "5\n") << outcome;
+    EXPECT_NE(outcome.err.find("settings.ini: cannot be read and gives no settings"), std::string::npos)
+        << outcome;
 }
 
 TEST(Options, SettingsThatCannotBeWrittenAreTold) {

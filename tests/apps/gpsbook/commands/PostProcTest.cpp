@@ -96,6 +96,22 @@ TEST(PostProc, FilesAreAddedToTheListThatIsMeant) {
     EXPECT_EQ(listed["files"][0]["index3"], 1);
 }
 
+TEST(PostProc, ScannedFileIsKnownByEveryNameOfIt) {
+    const Site site;
+    fs::create_directory(site.Path("site"));
+    site.Put("site/a.tps", "");
+    ASSERT_EQ(site.Run({"postproc", "scan", "site.gpsbook"}).exitCode, 0);
+    fs::create_directory_symlink("site", site.Path("link"));
+    fs::create_symlink("site/a.tps", site.Path("other.tps"));
+    for (const std::string& name :
+         {std::string("site/a.tps"), std::string("./site/../site/a.tps"), site.Path("site/a.tps"),
+          std::string("site\\a.tps"), std::string("link/a.tps"), std::string("other.tps")})
+        site.ExpectRefused({"postproc", "add", "site.gpsbook", name}, 2,
+                           "is in the list of rover files already");
+    ASSERT_EQ(site.Run({"postproc", "remove", "site.gpsbook", "site/a.tps"}).exitCode, 0);
+    EXPECT_EQ(Names(Listed(site), "rover"), List{});
+}
+
 TEST(PostProc, AddedBaseDoesNotStopTheSearchForRovers) {
     const Site site;
     fs::create_directory(site.Path("site"));

@@ -46,5 +46,22 @@ TEST(Program, CommandLineThatIsNoneIsAUsageErrorAndSaysWhy) {
     EXPECT_EQ(place.Names(), std::vector<std::string>{"a.nmea"});
 }
 
+TEST(Program, CommandLineThatIsNoneIsToldInOneLineThatNamesTheCommand) {
+    const Workplace place;
+    const std::pair<std::vector<std::string>, const char*> rows[] = {
+        {{"rotate"}, "gpsbook: The following argument was not expected: rotate; gpsbook --help tells more\n"},
+        {{"convert", "a.nmea"}, "gpsbook convert: --crs is required; gpsbook convert --help tells more\n"},
+        {{"new", "b", "--crs"},
+         "gpsbook new: --crs: 1 required CRS missing; gpsbook new --help tells more\n"},
+        {{"section", "write", "b"}, "gpsbook section: "},
+        {{"info", ""}, "gpsbook info: BOOK: the value is empty; gpsbook info --help tells more\n"}};
+    for (const auto& [arguments, text] : rows) {
+        const Outcome outcome = place.Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << outcome;
+        EXPECT_TRUE(outcome.err.starts_with(text)) << text << outcome;
+        EXPECT_EQ(LinesOf(outcome.err).size(), 1U) << outcome;
+    }
+}
+
 }  // namespace
 }  // namespace gpsbook::test

@@ -68,6 +68,25 @@ TEST(Section, SectionThatCanBeOfSeveralVersionsNeedsItsOwn) {
     EXPECT_EQ(place.Run({"section", "read", "s.bin", "again", "--version", "1400"}).exitCode, 0);
 }
 
+TEST(Section, DrawingReferencesSurviveAnotherProgramsEdits) {
+    // As a program with drawings has left it: a drawing of the book and one of each group.
+    const Site site([](Project& project) {
+        project.GetBook().GetGrpAt(0)->SetTargetDrawing(0x0123456789ABCDEF);
+        project.GetBook().GetGrpAt(1)->SetTargetDrawing(-2);
+    });
+    ASSERT_EQ(site.Run({"section", "write", "site.gpsbook", "s.bin", "--version", "1400"}).exitCode, 0);
+    std::string bytes = site.Text("s.bin");
+    bytes.replace(0, 8, "\x08\x07\x06\x05\x04\x03\x02\x01");  // the reference of the book comes first
+    EXPECT_NE(bytes.find("\xEF\xCD\xAB\x89\x67\x45\x23\x01"), std::string::npos);
+    EXPECT_NE(bytes.find("\xFE\xFF\xFF\xFF\xFF\xFF\xFF\xFF"), std::string::npos);
+    site.Put("s.bin", bytes);
+    ASSERT_EQ(site.Run({"section", "read", "s.bin", "again", "--version", "1400"}).exitCode, 0);
+    ASSERT_EQ(site.Run({"options", "set", "points.ColSimb=9", "--book", "again"}).exitCode, 0);
+    ASSERT_EQ(site.Run({"options", "set", "points.ColSimb=5", "--book", "again"}).exitCode, 0);
+    ASSERT_EQ(site.Run({"section", "write", "again", "t.bin", "--version", "1400"}).exitCode, 0);
+    EXPECT_TRUE(site.Text("t.bin") == bytes);
+}
+
 TEST(Section, NewGroupsOfTheBookThatIsReadHaveTheSystemOfItsFirst) {
     const Site site;
     ASSERT_EQ(site.Run({"section", "write", "site.gpsbook", "s.bin", "--version", "1400"}).exitCode, 0);

@@ -41,9 +41,16 @@ TEST(FieldValue, RealsAreReadInTheirRange) {
     EXPECT_EQ(ParseValue(kLat, "90"), FieldValue(90.0));
     EXPECT_EQ(Refusal(kLat, "90.0000001"), "lat: 90.0000001 is outside -90 to 90 degrees; check the unit");
     EXPECT_EQ(Refusal(kLat, "-91"), "lat: -91 is outside -90 to 90 degrees; check the unit");
-    for (const char* text : {"45,5", "x", "nan", "inf", "1e999", "0x10", "45 ", "--1"})
+    for (const char* text : {"45,5", "x", "nan", "inf", "1e", "0x10", "45 ", "--1"})
         EXPECT_NE(Refusal(kLat, text).find("is not a number; give -90 to 90 degrees"), std::string::npos)
             << text;
+}
+
+TEST(FieldValue, RealsOfAnySizeAreNumbersOutsideTheRange) {
+    EXPECT_EQ(Refusal(kCov, "1e30"),
+              "cov_xx: 1e30 is outside 0 to 1000000000000000 square metres; check the unit");
+    for (const char* text : {"1e16", "-1e16", "1e999", "100000000000000000000"})
+        EXPECT_NE(Refusal(kLat, text).find("is outside -90 to 90 degrees"), std::string::npos) << text;
 }
 
 TEST(FieldValue, NothingAndUnsetTakeTheValueOfARealATimeAndASystem) {

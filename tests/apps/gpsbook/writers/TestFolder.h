@@ -1,50 +1,17 @@
-// A folder of its own for a test, removed at the end, and rows to write into it.
+// What the tests of writers need: a folder of their own, files that cannot grow, and rows to write.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "apps/gpsbook/writers/PointRow.h"
+#include "tests/TempFolder.h"
 
 namespace gpsbook {
 
-class TestFolder {
-public:
-    TestFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "gpsbook-test-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        path_ = pattern;
-    }
-    ~TestFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-
-    /// The names in the folder, hidden ones too, in order.
-    std::vector<std::string> Names() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path_))
-            names.push_back(entry.path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
-    }
-
-private:
-    std::filesystem::path path_;
-};
+using TestFolder = ::test::TempFolder;
 
 /// While it lives no file can grow beyond `bytes`: writing fails as on a full disk.
 class FileSizeLimit {
@@ -66,16 +33,9 @@ private:
     rlimit before_{};
 };
 
-inline std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    EXPECT_TRUE(in) << path;
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
+inline std::string ReadFile(const std::string& path) { return ::test::FileBytes(path); }
 inline void WriteFile(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
+    ::test::WriteFileBytes(path, text);
 }
 
 /// A row with a value in every column.
