@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "platform/cad/COrkaEng.h"
-#include "tests/gps/model/Book.h"
 #include "tests/Heap.h"
+#include "tests/gps/model/Book.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
+#include "tests/Heap.h"
 #include "tests/gps/model/Book.h"
 #include "tests/gps/model/ChangeWatch.h"
-#include "tests/Heap.h"
 #include "tests/gps/model/Layout.h"
 
 namespace {

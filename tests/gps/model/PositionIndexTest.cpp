@@ -7,8 +7,8 @@
 #include <random>
 #include <utility>
 
-#include "tests/Scale.h"
 #include "tests/Heap.h"
+#include "tests/Scale.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include "gps/options/COpzDisGrpGps.h"
 #include "gps/options/COpzDisPunGps.h"
 #include "gps/options/COpzListDisGps.h"
-#include "tests/Settings.h"
 #include "tests/Heap.h"
+#include "tests/Settings.h"
 
 namespace {
 
