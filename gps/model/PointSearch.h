@@ -32,8 +32,9 @@ bool FirstInBook(const CLibGps& book, int& g, int& p, const Matches& matches) {
     };
     const int groups = book.GetGrpArSize(), start = g;
     if (found(start, p)) return true;
-    // Groups before the first one are passed over at once: g may be any number.
-    for (int group = std::max(start, -1) + 1; start < groups && group < groups; ++group)
+    // Groups before the first one are passed over at once, and there is none behind the last: g may be any
+    // number.
+    for (int group = std::max(std::min(start, groups), -1) + 1; group < groups; ++group)
         if (found(group, 0)) return true;
     for (int group = 0; group < groups; ++group) {
         if (found(group, 0)) return true;

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <map>
 #include <unordered_set>
+#include <utility>
 
 #include "apps/gpsbook/book/Address.h"
 #include "gps/persist/JournalCodes.h"
@@ -79,8 +81,9 @@ std::string RecordOf(CPunGps& point, ofpstream& scratch) {
     return std::string(scratch.GetBytes());
 }
 
-/// Reads what stands behind the version and `numbers` positions. False: it is not what it should be.
-bool ReadEntry(const std::string& payload, int numbers, int& group,
+/// Reads what stands behind the version and the position of a group, and with `point` that of a point. False:
+/// it is not what it should be.
+bool ReadEntry(const std::string& payload, int& group, int* point,
                const std::function<void(ifpstream&)>& read) {
     ifpstream in(payload.data(), payload.size(), 0);
     in.SetHeaderFlag(true);  // the journal's first byte is not that of an exchange file
@@ -89,8 +92,8 @@ bool ReadEntry(const std::string& payload, int numbers, int& group,
         in.SetVersion(in.ReadShort());
         if (in.GetVersion() > kVerCorrente) return false;
         group = in.ReadInt();
-        if (numbers == 2) in.ReadInt();
-        if (group < 0) return false;
+        if (point) *point = in.ReadInt();
+        if (group < 0 || (point && *point < 0)) return false;
         read(in);
     } catch (const StreamExhausted&) {
         return false;
@@ -148,22 +151,31 @@ private:
         for (const JournalFrame& frame : FramesLeft(project_)) {
             if (const int error = ReadPayload(project_.GetFiles(), project_.GetJournalFile(), frame, payload))
                 throw SystemError(found.path, "cannot be read", error);
-            if (frame.code == kTmpPunGps)
+            if (frame.code == kTmpPunGps) {
                 TakePoint(payload);
+                continue;
+            }
+            ++report_.left[frame.code];
+            if (frame.code == kTmpGrpGps)
+                TakeGroup(payload);
             else
-                ++report_.left[frame.code];
-            if (frame.code == kTmpGrpGps) TakeGroup(payload);
+                states_.clear();  // from here on positions may be those of other points
         }
     }
 
     void TakePoint(const std::string& payload) {
         CPunGps point(nullptr, false, nullptr);
-        int group = -1;
-        if (!ReadEntry(payload, 2, group, [&](ifpstream& in) { point.LeggeDaFile(in); })) {
+        int group = -1, at = -1;
+        if (!ReadEntry(payload, group, &at, [&](ifpstream& in) { point.LeggeDaFile(in); })) {
             ++report_.unreadable;
             return;
         }
-        candidates_.push_back({group, RecordOf(point, scratch_)});
+        // A later entry at the same place is a later state of the same point.
+        const auto [state, isNew] = states_.try_emplace({group, at}, candidates_.size());
+        if (isNew)
+            candidates_.push_back({group, RecordOf(point, scratch_)});
+        else
+            candidates_[state->second].record = RecordOf(point, scratch_);
     }
 
     // The last one: it is nearest to how the group was.
@@ -171,7 +183,7 @@ private:
         CGrpGps group(nullptr, false, &project_.GetMap(), 0);
         int index = -1;
         const auto read = [&](ifpstream& in) { group.LeggeDaFile(in, project_.GetDrawings(), true); };
-        if (ReadEntry(payload, 1, index, read)) groups_[index] = payload;
+        if (ReadEntry(payload, index, nullptr, read)) groups_[index] = payload;
     }
 
     void LeaveOutWhatIsThere() {
@@ -219,7 +231,7 @@ private:
         if (entry == groups_.end()) return false;
         CGrpGps& group = *book_.GetGrpAt(g);
         int ignored = 0;
-        ReadEntry(entry->second, 1, ignored,
+        ReadEntry(entry->second, ignored, nullptr,
                   [&](ifpstream& in) { group.LeggeDaFile(in, project_.GetDrawings(), true); });
         return group.IsCdElabValid() && AgreementOf(book_, g).other == 0;
     }
@@ -236,6 +248,7 @@ private:
         return found.other == 0 && (found.same > 0 || project_.GetJournal().tie == JournalTie::follows);
     }
 
+    std::map<std::pair<int, int>, std::size_t> states_;  // candidates by group and point
     Project& project_;
     CLibGps& book_;
     SalvageReport report_;

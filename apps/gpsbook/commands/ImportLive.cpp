@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -100,6 +101,24 @@ public:
         PrintSummary();
     }
 
+    /// After the book or its journal was changed by another program: what was measured is saved all the same.
+    std::string SaveElsewhere() {
+        book_.SetModifiedFlag(true);
+        try {
+            project_->Save();
+            return project_->GetPath() + " is saved all the same";
+        } catch (const gpsproject::ProjectError&) {  // it is not the book that was opened
+        }
+        const std::filesystem::path book(project_->GetPath());
+        const std::string stem = (book.parent_path() / book.stem()).string();
+        for (int n = 1;; ++n) {
+            const std::string name = fmt::format("{}-live-{}{}", stem, n, book.extension().string());
+            if (std::filesystem::exists(name)) continue;
+            project_->SaveAs(name, false);
+            return "the book with what was measured is saved as " + name;
+        }
+    }
+
 private:
     // The same command line, given again, numbers on.
     long NextNumber() const {
@@ -133,7 +152,11 @@ private:
             if (isNew_) book_.DelGrpAt(group_);
             return;
         }
-        project_->GetEdits().Commit();
+        try {
+            project_->GetEdits().Commit();
+        } catch (const gpsproject::ProjectError&) {
+            // The save that follows promises more than the journal could.
+        }
         book_.SetModifiedFlag(true);
         project_->Save();
         for (const std::string& note : project_->GetNotes())
@@ -184,6 +207,9 @@ void ImportLive(const ImportArguments& a, const EpochFilterOptions& filter) {
     try {
         live.Run();
     } catch (const gpsproject::ProjectError& e) {
+        if (e.GetKind() == gpsproject::ProjectError::Kind::changedOutside)
+            throw gpsproject::ProjectError(e.GetKind(),
+                                           fmt::format("{}; {}", e.what(), live.SaveElsewhere()));
         if (e.GetKind() != gpsproject::ProjectError::Kind::system) throw;
         throw gpsproject::ProjectError(e.GetKind(), fmt::format("{}; {}", e.what(), kKept));
     }

@@ -39,6 +39,8 @@ public:
     CrashSite() {
         Put("walk.nmea", Log());
         Put("rover.tps", "observations");
+        EXPECT_EQ(Run({"points", "save", "site.gpsbook", "some.points", "--group", "Quay"}).exitCode, 0);
+        EXPECT_EQ(Run({"groups", "save", "site.gpsbook", "some.groups"}).exitCode, 0);
         // Something to compute.
         EXPECT_EQ(Run({"set", "site.gpsbook", "Quay/P2", "h=70", "--keep-plane"}).exitCode, 0);
     }
@@ -46,8 +48,9 @@ public:
     Words Command(const Words& arguments) const {
         Words command{GPSBOOK_PROGRAM};
         for (const std::string& argument : arguments) {
-            const bool isFile =
-                argument == "BOOK" || argument.ends_with(".nmea") || argument.ends_with(".tps");
+            const bool isFile = argument == "BOOK" || argument.ends_with(".nmea") ||
+                                argument.ends_with(".tps") || argument.ends_with(".points") ||
+                                argument.ends_with(".groups");
             command.push_back(argument == "BOOK" ? Book() : isFile ? Path(argument) : argument);
         }
         return command;
@@ -132,23 +135,26 @@ TEST_P(Crash, AtAnyCallLeavesTheBookBeforeOrAfter) {
 
 INSTANTIATE_TEST_SUITE_P(
     Commands, Crash,
-    testing::Values(Case{"AddGroup", {"add", "BOOK", "name=Mole", "--at", "0"}},
-                    Case{"AddPoint",
-                         {"add", "BOOK", "Quay", "name=New", "lat=45.65", "lon=13.76", "h=63", "--at", "1"}},
-                    Case{"SetPoint", {"set", "BOOK", "Quay/#0..", "antenna=1.7"}},
-                    Case{"SetGroup", {"set", "BOOK", "Quay", "operator=Verdi", "name=Key"}},
-                    Case{"DeletePoint", {"delete", "BOOK", "Quay/P2"}},
-                    Case{"DeleteGroup", {"delete", "BOOK", "Quay"}},
-                    Case{"MoveGroup", {"move", "BOOK", "Pier", "--to", "0"}},
-                    Case{"MovePoints", {"move", "BOOK", "Quay/P3", "Quay/P4", "--to", "0"}},
-                    Case{"MoveAcross", {"move", "BOOK", "Quay/P1", "--group", "Pier", "--to", "1"}},
-                    Case{"SwapGroups", {"swap", "BOOK", "Quay", "Pier"}},
-                    Case{"SwapPoints", {"swap", "BOOK", "Quay/P1", "Quay/P4"}},
-                    Case{"Compute", {"compute", "BOOK", "Quay"}},
-                    Case{"Options", {"options", "set", "points.ColSimb=3", "--book", "BOOK"}},
-                    Case{"PostProc", {"postproc", "add", "BOOK", "rover.tps"}},
-                    Case{"ImportNewGroup", {"import", "BOOK", "walk.nmea", "--crs", "EPSG:32633"}},
-                    Case{"ImportOldGroup", {"import", "BOOK", "walk.nmea", "--group", "Quay"}}),
+    testing::Values(
+        Case{"AddGroup", {"add", "BOOK", "name=Mole", "--at", "0"}},
+        Case{"AddPoint", {"add", "BOOK", "Quay", "name=New", "lat=45.65", "lon=13.76", "h=63", "--at", "1"}},
+        Case{"SetPoint", {"set", "BOOK", "Quay/#0..", "antenna=1.7"}},
+        Case{"SetGroup", {"set", "BOOK", "Quay", "operator=Verdi", "name=Key"}},
+        Case{"DeletePoint", {"delete", "BOOK", "Quay/P2"}}, Case{"DeleteGroup", {"delete", "BOOK", "Quay"}},
+        Case{"MoveGroup", {"move", "BOOK", "Pier", "--to", "0"}},
+        Case{"MovePoints", {"move", "BOOK", "Quay/P3", "Quay/P4", "--to", "0"}},
+        Case{"MoveAcross", {"move", "BOOK", "Quay/P1", "--group", "Pier", "--to", "1"}},
+        Case{"SwapGroups", {"swap", "BOOK", "Quay", "Pier"}},
+        Case{"SwapPoints", {"swap", "BOOK", "Quay/P1", "Quay/P4"}},
+        Case{"Compute", {"compute", "BOOK", "Quay"}},
+        Case{"Options", {"options", "set", "points.ColSimb=3", "--book", "BOOK"}},
+        Case{"PostProc", {"postproc", "add", "BOOK", "rover.tps"}},
+        Case{"LoadPoints", {"points", "load", "BOOK", "some.points", "--group", "Pier", "--after", "0"}},
+        Case{"LoadGroups", {"groups", "load", "BOOK", "some.groups", "--after", "0"}},
+        Case{"BaseTag", {"base", "BOOK", "Quay", "tag", "euref"}},
+        Case{"Vrs", {"vrs", "BOOK", "Quay", "set"}},
+        Case{"ImportNewGroup", {"import", "BOOK", "walk.nmea", "--crs", "EPSG:32633"}},
+        Case{"ImportOldGroup", {"import", "BOOK", "walk.nmea", "--group", "Quay"}}),
     [](const auto& command) { return command.param.name; });
 
 }  // namespace

@@ -116,6 +116,47 @@ TEST(ImportLive, EpochIsStoredAndToldWhenTheNextOneBegins) {
     EXPECT_EQ(LinesOf(site.Table()).size(), 5U);
 }
 
+// Somebody takes the files beside the book for leftovers.
+TEST(ImportLive, JournalThatIsTakenAwayEndsTheImportAndEverythingIsSaved) {
+    const LiveSite site;
+    const auto [first, rest] = SplitBefore(site.Log(), "GGA,080200.");
+    Running run(site, kFromPipe, true);
+    run.Feed(first);
+    run.WaitFor(Stored(100));
+    std::filesystem::remove(site.Path("site.gpsbook.journal"));
+    run.Feed(rest);
+    run.CloseInput();
+    const Outcome outcome = run.End();
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.err.find("site.gpsbook is saved all the same"), std::string::npos) << outcome;
+    const std::string table = site.Table();
+    for (const std::string& stored : StoredIn(outcome.out)) {
+        const std::string name = stored.substr(stored.find('/') + 1, stored.find(' ') - stored.find('/') - 1);
+        EXPECT_NE(table.find("\n" + name + ","), std::string::npos) << stored;
+    }
+}
+
+TEST(ImportLive, BookThatAnotherProgramChangedIsSavedUnderAnotherName) {
+    const LiveSite site;
+    const auto [first, rest] = SplitBefore(site.Log(), "GGA,080200.");
+    Running run(site, kFromPipe, true);
+    run.Feed(first);
+    run.WaitFor(Stored(100));
+    // Without the lock another program takes the journal in, and the book is another one.
+    std::filesystem::remove(site.Path("site.gpsbook.lock"));
+    EXPECT_EQ(site.Run({"add", "site.gpsbook", "name=Other"}).exitCode, 0);
+    run.Feed(rest);
+    run.CloseInput();
+    const Outcome outcome = run.End();
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.err.find("is saved as "), std::string::npos) << outcome;
+    const std::string both = site.Table() + site.TableOf("site-live-1.gpsbook");
+    for (const std::string& stored : StoredIn(outcome.out)) {
+        const std::string name = stored.substr(stored.find('/') + 1, stored.find(' ') - stored.find('/') - 1);
+        EXPECT_NE(both.find("\n" + name + ","), std::string::npos) << stored;
+    }
+}
+
 TEST(ImportLive, GrowingFileIsFollowedUntilItIsInterrupted) {
     const LiveSite site;
     const auto [first, rest] = SplitBefore(site.Log(), "GGA,080100.");
