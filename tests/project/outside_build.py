@@ -56,7 +56,8 @@ def install(args):
     for header in ("gps/model/CPunGps.h", "platform/base/GpsValues.h"):
         if not (headers / header).is_file():
             sys.exit(f"{headers / header} was not installed")
-    expect_stations(args)
+    if args.program:
+        expect_stations(args)
 
 
 def expect_stations(args):
@@ -113,6 +114,7 @@ def main():
     parser.add_argument("--source", type=pathlib.Path, required=True, help="folder of the project")
     parser.add_argument("--build", type=pathlib.Path, required=True, help="its build folder")
     parser.add_argument("--work", type=pathlib.Path, required=True, help="folder for what is made here")
+    parser.add_argument("--program", action="store_true", help="gpsbook is built and installed, too")
     parser.add_argument("--compiler", default="c++")
     parser.add_argument("--flags", default="", help="flags for what is compiled here")
     args = parser.parse_args()
