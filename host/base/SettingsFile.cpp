@@ -85,20 +85,20 @@ bool WriteBeside(const std::string& path, const std::string& beside, const std::
 }
 
 // A second name for the old file: it stays when the first name gets the new text.
-bool KeepOld(const std::string& path, std::string& name) {
-    name = path + ".damaged";
+bool KeepOld(const std::string& path, const std::string& keptAs, std::string& name) {
+    name = path + keptAs;
     for (int number = 2; link(path.c_str(), name.c_str()) != 0; ++number) {
         if (errno != EEXIST || number > 99) return false;
         std::array<char, 16> digits{};
         const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-        name = path + ".damaged-" + std::string(digits.data(), end);
+        name = path + keptAs + '-' + std::string(digits.data(), end);
     }
     return true;
 }
 
 bool Replace(const std::string& path, const SettingsChange& change, std::string& kept) {
     const std::string beside = path + ".tmp";
-    if (!WriteBeside(path, beside, change.text) || (change.keepOld && !KeepOld(path, kept)) ||
+    if (!WriteBeside(path, beside, change.text) || (change.keepOld && !KeepOld(path, change.keptAs, kept)) ||
         std::rename(beside.c_str(), path.c_str()) != 0) {
         unlink(beside.c_str());
         return false;

@@ -20,11 +20,12 @@ SettingsText ReadSettings(const std::string& path);
 struct SettingsChange {
     std::string text;
     bool keepOld = false;
+    std::string keptAs = ".damaged";  // behind the name of the file
 };
 
 /// Replaces the text by what `change` makes of it, in one step: whoever reads meanwhile finds the old text or
 /// the new one. One change at a time, among processes and threads. An old text to be kept, or a damaged file,
-/// is then found under its name and ".damaged" (".damaged-2" and so on, if that is there).
+/// is then found under its name and `keptAs` (".damaged-2" and so on, if that is there).
 ///
 /// Makes the folder, and writes nothing when the text stays the same. False, with the old file as it was,
 /// when it does not succeed. `kept`, which may be null, gets the name of an old text that was kept.

@@ -1,6 +1,5 @@
 #include "host/coord/Station.h"
 
-#include <string_view>
 #include <utility>
 
 namespace {
@@ -25,6 +24,13 @@ constexpr std::pair<std::string_view, FrameKind> kBeginnings[] = {
 };
 
 }  // namespace
+
+std::string_view WithoutRemark(std::string_view text) {
+    const std::size_t bracket = text.find(" (");
+    if (bracket == std::string_view::npos || !text.ends_with(')')) return text;
+    const bool tellsApart = text.find_first_of("0123456789", bracket) != std::string_view::npos;
+    return tellsApart ? text : text.substr(0, bracket);
+}
 
 FrameKind FrameKindOf(const std::string& frame) {
     const std::string letters = Letters(frame);

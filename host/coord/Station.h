@@ -4,8 +4,14 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <tuple>
 
 #include "platform/coord/CTrovaNomeBaseGps.h"
+
+/// A frame or an epoch without the remark in brackets at its end: "2008.0" of "2008.0 (national
+/// realisation)". Brackets with a digit in them are no remark but tell realisations apart: "ETRF2000 (R14)".
+GPS_PLATFORM_API std::string_view WithoutRemark(std::string_view text);
 
 /// A station in one frame at one epoch. A station with coordinates in several frames is several of these, of
 /// one id.
@@ -25,10 +31,13 @@ struct Station {
 
     bool operator==(const Station&) const = default;
 
+    /// What tells a set of coordinates from others: station, frame and epoch, without remarks. It looks into
+    /// this object.
+    using SetKey = std::tuple<std::string_view, std::string_view, std::string_view>;
+    SetKey Set() const { return {id, WithoutRemark(frame), WithoutRemark(epoch)}; }
+
     /// The same station in the same frame at the same epoch.
-    bool IsSameSet(const Station& other) const {
-        return id == other.id && frame == other.frame && epoch == other.epoch;
-    }
+    bool IsSameSet(const Station& other) const { return Set() == other.Set(); }
 };
 
 /// What is known of a frame from its name.

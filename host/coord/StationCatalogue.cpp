@@ -15,6 +15,11 @@ std::vector<StationIndex::Position> PositionsOf(const std::vector<Station>& stat
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
+bool IsSame(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return Lower(x) == Lower(y); });
+}
+
 }  // namespace
 
 StationCatalogue::StationCatalogue(std::vector<Station> stations)
@@ -22,9 +27,9 @@ StationCatalogue::StationCatalogue(std::vector<Station> stations)
 
 bool StationCatalogue::Fits(const Station& station, const Query& query) {
     if (query.provincia != CTrovaNomeBaseGps::provTutte && query.provincia != station.provincia) return false;
-    return query.frame.empty() ||
-           std::equal(query.frame.begin(), query.frame.end(), station.frame.begin(), station.frame.end(),
-                      [](char a, char b) { return Lower(a) == Lower(b); });
+    const std::string_view frame = station.frame;
+    return query.frame.empty() || IsSame(query.frame, frame) ||
+           IsSame(query.frame, frame.substr(0, frame.find(" (")));
 }
 
 const Station* StationCatalogue::Find(const Position& at, const Query& query) const {

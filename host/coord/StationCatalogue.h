@@ -18,7 +18,9 @@ public:
     struct Query {
         double radius = 0;  // metres
         CTrovaNomeBaseGps::enumProvincia provincia = CTrovaNomeBaseGps::provTutte;
-        std::string_view frame;  // as it is written in the catalogue, in large or small letters; empty: any
+        // As it is written in the catalogue, with or without what stands there in brackets, in large or small
+        // letters; empty: any.
+        std::string_view frame;
     };
 
     /// A station and how far away it is.

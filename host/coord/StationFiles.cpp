@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <tuple>
+#include <system_error>
 #include <utility>
 
 #include "host/base/SettingsFile.h"
@@ -45,20 +45,44 @@ std::string LibraryFolder() {
 
 // Added stations replace those of the same id, frame and epoch, in their places.
 void Merge(std::vector<Station>& all, std::vector<Station> more) {
-    using Key = std::tuple<std::string_view, std::string_view, std::string_view>;
-    const auto keyOf = [](const Station& s) { return Key(s.id, s.frame, s.epoch); };
-    std::map<Key, std::size_t> places;
     const std::vector<Station> before = std::move(all);
-    for (std::size_t i = 0; i < before.size(); ++i) places.emplace(keyOf(before[i]), i);
+    std::map<Station::SetKey, std::size_t> places;
+    for (std::size_t i = 0; i < before.size(); ++i) places.emplace(before[i].Set(), i);
     std::vector<Station> merged = before;
     for (Station& station : more) {
-        const auto found = places.find(keyOf(station));
+        const auto found = places.find(station.Set());
         if (found == places.end())
             merged.push_back(std::move(station));
         else
             merged[found->second] = std::move(station);
     }
     all = std::move(merged);
+}
+
+StationTable TableOf(const SettingsText& file, const std::string& path) {
+    using State = SettingsText::State;
+    const auto problem = [](const char* what) { return StationTable{{}, {{0, what}}, {}}; };
+    std::error_code unknown;
+    switch (file.state) {
+        case State::Readable:
+            return ReadStationTable(file.text);
+        case State::Missing:
+            return problem("there is no such file; check the name");
+        case State::Damaged:
+            return problem("no table of stations: it holds zero bytes, or is larger than 16 MiB");
+        case State::Refused:
+            break;
+    }
+    if (std::filesystem::is_directory(path, unknown))
+        return problem("this is a folder; give the file of a table in it");
+    if (std::filesystem::is_other(path, unknown))
+        return problem("this is no file but a pipe or device; write the table to a file first");
+    return problem("the file cannot be read; check its permissions");
+}
+
+// No table yet is a table without stations.
+StationTable OwnTableOf(const SettingsText& file, const std::string& path) {
+    return file.state == SettingsText::State::Missing ? StationTable{} : TableOf(file, path);
 }
 
 std::unique_ptr<StationsInUse>& InUse() {
@@ -99,21 +123,7 @@ bool SetStationRadius(double radius) {
     return CIniFile().WriteString(kSection, kRadius, std::string(text.data(), end));
 }
 
-StationTable ReadStationFile(const std::string& path) {
-    using State = SettingsText::State;
-    const SettingsText file = ReadSettings(path);
-    switch (file.state) {
-        case State::Readable:
-            return ReadStationTable(file.text);
-        case State::Missing:
-            return {{}, {{0, "there is no such file; check the name"}}, {}};
-        case State::Damaged:
-            return {{}, {{0, "no table of stations: it holds zero bytes, or is larger than 16 MiB"}}, {}};
-        case State::Refused:
-            break;
-    }
-    return {{}, {{0, "the file cannot be read; check its permissions"}}, {}};
-}
+StationTable ReadStationFile(const std::string& path) { return TableOf(ReadSettings(path), path); }
 
 StationSet LoadStations() {
     std::vector<Station> all;
@@ -130,12 +140,26 @@ StationSet LoadStations() {
     return set;
 }
 
-bool WriteOwnStations(const std::vector<Station>& stations) {
+OwnStationsChange ChangeOwnStations(
+    const std::function<std::optional<std::vector<Station>>(const StationTable&)>& change) {
     const std::string path = OwnStationsPath();
-    const std::string text = WriteStationTable(stations);
-    return !path.empty() && ChangeSettings(path, [&](const SettingsText&) {
-        return SettingsChange{text, false};
-    });
+    OwnStationsChange result;
+    if (path.empty()) return result;
+    const auto changeText = [&](const SettingsText& old) -> SettingsChange {
+        const StationTable before = OwnTableOf(old, path);
+        const auto after = change(before);
+        if (!after) return {old.text};
+        // What would not be written again as it stands is more than stations.
+        const bool more = !old.text.empty() && old.text != WriteStationTable(before.stations);
+        return {WriteStationTable(*after), more, ".old"};
+    };
+    result.done = ChangeSettings(path, changeText, &result.kept);
+    return result;
+}
+
+StationTable ReadOwnStations() {
+    const std::string path = OwnStationsPath();
+    return path.empty() ? StationTable{} : OwnTableOf(ReadSettings(path), path);
 }
 
 const StationsInUse& GetStationsInUse() {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,9 +46,24 @@ struct StationSet {
 };
 GPS_PLATFORM_API StationSet LoadStations();
 
-/// Replaces the table of added stations, in one step. False, with the old one as it was, when it cannot be
-/// written.
-GPS_PLATFORM_API bool WriteOwnStations(const std::vector<Station>& stations);
+/// What came of a change of the added stations.
+struct OwnStationsChange {
+    bool done = false;  // false: the table could not be written, the old one is as it was
+    std::string kept;   // the file that the old table is kept in; empty when nothing of it is lost
+};
+
+/// Replaces the table of added stations by what `change` makes of it, in one step and one change at a time,
+/// among processes and threads: nothing that another one adds meanwhile is lost. `change` gets the table as
+/// it stands, an empty one without problems when there is none yet, and answers nothing to leave it so. Its
+/// exceptions pass through, and nothing is written.
+///
+/// A table that was written by hand, with remarks, columns or an order of its own, loses them: it is kept
+/// under its name and ".old" (".old-2" and so on, if that is there).
+GPS_PLATFORM_API OwnStationsChange
+ChangeOwnStations(const std::function<std::optional<std::vector<Station>>(const StationTable&)>& change);
+
+/// The table of added stations as it stands, as ChangeOwnStations gives it to its change.
+GPS_PLATFORM_API StationTable ReadOwnStations();
 
 /// The catalogue in which CTrovaNomeBaseGps looks: loaded at the first look-up, and again after a call of
 /// ForgetStations, which is called when its files or the radius have changed.

@@ -161,8 +161,9 @@ private:
         Station station;
         const std::string wrong = Fill(station);
         if (!wrong.empty()) return Problem(wrong);
-        const auto [twin, isNew] =
-            lines_.try_emplace(std::tuple(station.id, station.frame, station.epoch), line_);
+        const auto& [ofId, ofFrame, ofEpoch] = station.Set();
+        const auto [twin, isNew] = lines_.try_emplace(
+            std::tuple(std::string(ofId), std::string(ofFrame), std::string(ofEpoch)), line_);
         if (!isNew)
             return Problem(station.id + " in " + station.frame + " at this epoch is in line " +
                            std::to_string(twin->second) + " already; keep one of them");
@@ -214,7 +215,9 @@ private:
         }
         if (text.empty()) return {};
         const auto known = ProvinciaFrom(text);
-        if (!known) return "\"" + text + "\" is no province of Italy; give its sign, such as UD, or its name";
+        // "any" and "abroad" are answers on a command line, and no place in Italy.
+        if (!known || *known == CTrovaNomeBaseGps::provTutte || *known == CTrovaNomeBaseGps::provEstero)
+            return "\"" + text + "\" is no province of Italy; give its sign, such as UD, or its name";
         s.provincia = *known;
         return {};
     }

@@ -51,6 +51,7 @@ struct Work {
     CGrpGps& group;
     std::string name;
     std::optional<Hit> station;
+    std::vector<Hit> otherSets;  // of that station, in reach and allowed as well
     std::vector<ItemChanges> changed;
 };
 
@@ -100,20 +101,53 @@ StationCatalogue::Position NeedPosition(const Work& w) {
     throw CommandError(exitNotFound, text);
 }
 
-/// The nearest station. When its coordinates are taken it has to be in a frame that the base's tag allows.
-Hit StationOf(const Work& w, const Wanted& wanted, bool takesCoordinates) {
-    const StationCatalogue::Position at = NeedPosition(w);
-    const auto near = UsedStations().set.catalogue.Near(at, {wanted.radius, wanted.province, wanted.frame});
-    if (near.empty()) NoStation(w, at, wanted);
-    const BaseFrame frame = FrameOf(w.group);
-    if (!takesCoordinates || !frame.IsTagged()) return near.front();
-    for (const Hit& hit : near)
-        if (!frame.Contradicts(FrameKindOf(hit.station->frame))) return hit;
+/// "ETRF2000 2008.0, 3.000 m away; IGb14 2010.0, 2.000 m away".
+std::string SetsText(const std::vector<Hit>& sets) {
+    std::string text;
+    for (const Hit& hit : sets) {
+        const Station& s = *hit.station;
+        text += (text.empty() ? "" : "; ") + s.frame + (s.epoch.empty() ? "" : ' ' + s.epoch) + ", " +
+                DistanceText(hit.distance) + " away";
+    }
+    return text;
+}
+
+[[noreturn]] void NoFittingSet(const Work& w, const Wanted& wanted, const std::vector<Hit>& sets) {
+    const std::string tagged = w.name + ": tagged " + FrameOf(w.group).Text();
+    const std::string& called = sets.front().station->Called();
     throw CommandError(
         exitNotFound,
-        fmt::format("{}: tagged {}, and {} has no coordinates in such a frame, only in {}; "
-                    "clear the tag first, or set the other",
-                    w.name, frame.Text(), near.front().station->Called(), near.front().station->frame));
+        wanted.frame.empty()
+            ? fmt::format("{}, and no coordinates of {} fit that: {}. Clear the tag first, or set the other",
+                          tagged, called, SetsText(sets))
+            : fmt::format("{}, and coordinates in {} do not fit that; {} has {}. Give another --frame, clear "
+                          "the tag first, or set the other",
+                          tagged, wanted.frame, called, SetsText(sets)));
+}
+
+/// Finds the nearest station. When its coordinates are taken they have to be in a frame that the base's tag
+/// allows: another station that has such is another place, however near it is.
+void FindStation(Work& w, const Wanted& wanted, bool takesCoordinates) {
+    const StationCatalogue::Position at = NeedPosition(w);
+    const StationCatalogue& catalogue = UsedStations().set.catalogue;
+    NeedFrame(catalogue, wanted.frame);
+    const auto near = catalogue.Near(at, {wanted.radius, wanted.province, wanted.frame});
+    if (near.empty()) NoStation(w, at, wanted);
+    const std::string& id = near.front().station->id;
+    const BaseFrame frame = FrameOf(w.group);
+    const bool anyFrame = !takesCoordinates || !frame.IsTagged();
+    for (const Hit& hit : near) {
+        if (hit.station->id != id || !(anyFrame || !frame.Contradicts(FrameKindOf(hit.station->frame))))
+            continue;
+        if (w.station)
+            w.otherSets.push_back(hit);
+        else
+            w.station = hit;
+    }
+    if (w.station) return;
+    auto sets = catalogue.Near(at, {kLargestStationRadius, CTrovaNomeBaseGps::provTutte, {}});
+    std::erase_if(sets, [&](const Hit& hit) { return hit.station->id != id; });
+    NoFittingSet(w, wanted, sets);
 }
 
 /// While it lives the library finds one station, whatever it asks for.
@@ -148,7 +182,7 @@ void TakeCoordinates(Work& w, CTrovaNomeBaseGps::enumProvincia province) {
 }
 
 void Name(Work& w, const Arguments& a, const Wanted& wanted) {
-    w.station = StationOf(w, wanted, a.takeCoordinates);
+    FindStation(w, wanted, a.takeCoordinates);
     const OnlyStation only(*w.station->station);
     // At the station itself there is nothing to take: the way there and back would round the last digits.
     if (a.takeCoordinates && w.station->distance > 1e-6)
@@ -180,7 +214,17 @@ void Look(Work& w) {
     if (!at) return;
     const StationsInUse& used = UsedStations();
     const auto near = used.set.catalogue.Near(*at, {used.radius, CTrovaNomeBaseGps::provTutte, {}});
-    if (!near.empty()) w.station = near.front();
+    for (const Hit& hit : near) {
+        if (!w.station)
+            w.station = hit;
+        else if (hit.station->id == w.station->station->id)
+            w.otherSets.push_back(hit);
+    }
+}
+
+std::string WithoutStation(const Work& w) {
+    return Printable(w.name) +
+           (BasePosition(w.group) ? ": no station at the base\n" : ": the base has no complete position\n");
 }
 
 std::string Text(const Work& w, const Arguments& a) {
@@ -189,7 +233,7 @@ std::string Text(const Work& w, const Arguments& a) {
     if (a.action.empty()) {
         text += fmt::format("{}: base {}\n", Printable(w.name),
                             frame.IsTagged() ? "in " + frame.Text() : "without a frame");
-        if (!w.station) text += Printable(w.name) + ": no station at the base\n";
+        if (!w.station) text += WithoutStation(w);
     }
     if (w.station) {
         text += fmt::format("{}: at {}, {} away\n", Printable(w.name),
@@ -199,10 +243,22 @@ std::string Text(const Work& w, const Arguments& a) {
             text += fmt::format("{}: the base is tagged {}, these coordinates are in {}\n", Printable(w.name),
                                 frame.Text(), Printable(w.station->station->frame));
     }
+    if (a.takeCoordinates && !w.otherSets.empty())
+        text += fmt::format("{}: note: {} has other coordinates: {}{}\n", Printable(w.name),
+                            Printable(w.station->station->Called()), Printable(SetsText(w.otherSets)),
+                            a.frame.empty() ? "; --frame chooses" : "");
     text += ChangesText(w.changed);
     if (!a.action.empty() && w.changed.empty()) text += "nothing changed: the values are those of before\n";
     if (a.dryRun) text += "not saved (--dry-run)\n";
     return text;
+}
+
+Json SetsJson(const std::vector<Hit>& sets) {
+    Json all = Json::array();
+    for (const Hit& hit : sets)
+        all.push_back(
+            {{"frame", hit.station->frame}, {"epoch", hit.station->epoch}, {"distance", hit.distance}});
+    return all;
 }
 
 Json ResultJson(const std::string& file, const Work& w, bool saved) {
@@ -213,6 +269,7 @@ Json ResultJson(const std::string& file, const Work& w, bool saved) {
             {"name", w.name},
             {"frame", frame.IsTagged() ? Json(frame.Text()) : Json(nullptr)},
             {"station", w.station ? StationJson(*w.station->station, w.station->distance) : Json(nullptr)},
+            {"other_sets", SetsJson(w.otherSets)},
             {"changed", ChangesJson(w.changed)}};
 }
 
@@ -224,7 +281,7 @@ void Run(const Arguments& a) {
     if (!writes) EndReading(*project);
     CLibGps& book = project->GetBook();
     const int g = FindGroup(book, a.group);
-    Work w{book, g, *book.GetGrpAt(g), PlaceText(book, {g}), {}, {}};
+    Work w{book, g, *book.GetGrpAt(g), PlaceText(book, {g}), {}, {}, {}};
     const std::vector<FieldValue> before = ValuesOf(w.group);
     if (a.action == "tag") Tag(w, a.tag);
     if (a.action == "name") Name(w, a, wanted);
@@ -256,7 +313,7 @@ void AddOptions(CLI::App& c, Arguments& a) {
     c.add_option("--province", a.province, "Only stations in this province: its sign or name, any, abroad")
         ->type_name("PROVINCE")
         ->check(Filled());
-    c.add_option("--frame", a.frame, "Only coordinates in this frame, as in the catalogue")
+    c.add_option("--frame", a.frame, "Only coordinates in this frame, such as ETRF2000")
         ->type_name("FRAME")
         ->check(Filled());
     c.add_option("--radius", a.radius, "How far from the base a station may be, instead of the setting")

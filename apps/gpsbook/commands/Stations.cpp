@@ -28,7 +28,7 @@ using Hit = StationCatalogue::Hit;
 
 constexpr double kHighest = 10'000;   // metres: no station is that far above or below the ellipsoid
 constexpr double kNear = 100;         // kilometres, unless given
-constexpr double kFarthest = 20'100;  // kilometres: half-way round the earth
+constexpr double kFarthest = 12'800;  // kilometres: straight through the earth
 constexpr double kOnePlace = 100;     // metres: an id that stands farther apart is that of two stations
 constexpr std::size_t kMostProblems = 20;
 
@@ -93,13 +93,14 @@ void Tell(const Arguments& a, const std::vector<Hit>& hits, bool distances) {
 
 void List(const Arguments& a) {
     const StationCatalogue::Query query{0, ProvinceOption(a.province), a.frame};
+    NeedFrame(UsedStations().set.catalogue, a.frame);
     std::vector<Hit> all;
     for (const Station& station : UsedStations().set.catalogue.Stations())
         if (StationCatalogue::Fits(station, query)) all.push_back({&station, 0});
     Tell(a, all, false);
 }
 
-// Along the ground: the position is taken as high as each station.
+// In a straight line, and level: the position is taken as high as each station.
 void Near(const Arguments& a) {
     const double lat = NumberOption("LAT", a.lat, -90, 90, "degrees");
     const double lon = NumberOption("LON", a.lon, -180, 180, "degrees");
@@ -110,6 +111,7 @@ void Near(const Arguments& a) {
         CEllissoide().GrafToGeoc(lat, lon, h, p[0], p[1], p[2]);
         return p;
     };
+    NeedFrame(UsedStations().set.catalogue, a.frame);
     std::vector<Hit> hits = UsedStations().set.catalogue.Near(
         at(0), {within * 1000 + kHighest, ProvinceOption(a.province), a.frame});
     for (Hit& hit : hits) {
@@ -150,15 +152,14 @@ struct Merged {
     std::size_t added = 0, replaced = 0, same = 0;
 };
 
-Merged Merge(const Arguments& a, std::vector<Station> own, std::vector<Station> more) {
-    Merged merged{std::move(own), 0, 0, 0};
-    std::map<std::string, std::size_t> places;
-    const auto key = [](const Station& s) { return s.id + '\n' + s.frame + '\n' + s.epoch; };
-    for (std::size_t i = 0; i < merged.stations.size(); ++i) places.emplace(key(merged.stations[i]), i);
-    for (Station& station : more) {
-        const auto [at, isNew] = places.try_emplace(key(station), merged.stations.size());
+Merged Merge(const Arguments& a, const std::vector<Station>& own, const std::vector<Station>& more) {
+    Merged merged{own, 0, 0, 0};
+    std::map<Station::SetKey, std::size_t> places;
+    for (std::size_t i = 0; i < own.size(); ++i) places.emplace(own[i].Set(), i);
+    for (const Station& station : more) {
+        const auto [at, isNew] = places.try_emplace(station.Set(), merged.stations.size());
         if (isNew) {
-            merged.stations.push_back(std::move(station));
+            merged.stations.push_back(station);
             ++merged.added;
         } else if (merged.stations[at->second] == station) {
             ++merged.same;
@@ -169,35 +170,70 @@ Merged Merge(const Arguments& a, std::vector<Station> own, std::vector<Station> 
                             "give --replace to take those of the file. Nothing was added",
                             a.file, station.id, station.frame));
         } else {
-            merged.stations[at->second] = std::move(station);
+            merged.stations[at->second] = station;
             ++merged.replaced;
         }
     }
     return merged;
 }
 
+/// How many sets of a table stand in the shipped catalogue with other values.
+std::size_t ShippedReplaced(const std::vector<Station>& more) {
+    const std::string path = ShippedStationsPath();
+    if (path.empty()) return 0;
+    const StationTable shipped = ReadStationFile(path);
+    std::map<Station::SetKey, const Station*> sets;
+    for (const Station& station : shipped.stations) sets.emplace(station.Set(), &station);
+    return static_cast<std::size_t>(std::count_if(more.begin(), more.end(), [&](const Station& station) {
+        const auto found = sets.find(station.Set());
+        return found != sets.end() && !(*found->second == station);
+    }));
+}
+
+/// The table of added stations as it stands, with the stations of another.
+Merged Joined(const Arguments& a, const StationTable& own, const StationTable& table) {
+    RefuseProblems(OwnStationsPath(), own);
+    return Merge(a, own.stations, table.stations);
+}
+
+/// Reads, merges and writes while no other process can: what it adds at the same time stays.
+Merged Save(const Arguments& a, const std::string& path, const StationTable& table) {
+    Merged merged;
+    const OwnStationsChange change =
+        ChangeOwnStations([&](const StationTable& own) -> std::optional<std::vector<Station>> {
+            merged = Joined(a, own, table);
+            if (merged.added + merged.replaced == 0) return std::nullopt;
+            return merged.stations;
+        });
+    if (!change.done)
+        throw CommandError(exitFailure, path +
+                                            ": cannot be written; see whether the folder may be written to, "
+                                            "and whether the disk is full. A table holds 16 MiB at most");
+    if (!change.kept.empty())
+        std::cerr << "note: " << path << " was not as this program writes it; what remarks, columns and "
+                  << "order it had are kept in " << change.kept << '\n';
+    return merged;
+}
+
 void Add(const Arguments& a) {
-    StationTable table = ReadStationFile(a.file);
+    const StationTable table = ReadStationFile(a.file);
     RefuseProblems(a.file, table);
     const std::string path = OwnStationsPath();
     if (path.empty())
         throw CommandError(exitFailure,
                            "there is no home folder to add stations in; name a settings file in "
                            "GPS_SURVEY_SETTINGS");
-    StationTable own = ReadStationFile(path);
-    const bool isNew = !own.problems.empty() && own.problems[0].what.starts_with("there is no such file");
-    if (!isNew) RefuseProblems(path, own);
+    const Merged merged = a.dryRun ? Joined(a, ReadOwnStations(), table) : Save(a, path, table);
+    const bool saved = !a.dryRun && merged.added + merged.replaced > 0;
     if (!table.passedOver.empty()) {
         std::string names;
         for (const std::string& name : table.passedOver) names += (names.empty() ? "" : ", ") + name;
         std::cerr << "note: " << a.file << ": columns that are not taken over: " << names << '\n';
     }
-    const Merged merged = Merge(a, std::move(own.stations), std::move(table.stations));
-    const bool saved = !a.dryRun && merged.added + merged.replaced > 0;
-    if (saved && !WriteOwnStations(merged.stations))
-        throw CommandError(exitFailure, path +
-                                            ": cannot be written; see whether the folder may be written to, "
-                                            "and whether the disk is full. A table holds 16 MiB at most");
+    const std::size_t shipped = ShippedReplaced(table.stations);
+    if (shipped > 0)
+        std::cerr << "note: " << SetsText(shipped) << " of " << a.file << " instead of "
+                  << (shipped == 1 ? "one" : "those") << " of the catalogue that comes with the program\n";
     const std::string otherwise =
         saved ? "the result could not be told, " + path + " is written" : "the result could not be written";
     if (a.json)
@@ -205,7 +241,8 @@ void Add(const Arguments& a) {
                           {"saved", saved},
                           {"added", merged.added},
                           {"replaced", merged.replaced},
-                          {"same", merged.same}},
+                          {"same", merged.same},
+                          {"instead_of_shipped", shipped}},
                          otherwise);
     PrintText(fmt::format("{}: {} added, {} replaced, {} there already{}\n", path, merged.added,
                           merged.replaced, merged.same, a.dryRun ? "; not saved (--dry-run)" : ""),
@@ -300,7 +337,7 @@ void AddFilters(CLI::App& c, Arguments& a) {
     c.add_option("--province", a.province, "Only stations in this province: its sign or name, any, abroad")
         ->type_name("PROVINCE")
         ->check(Filled());
-    c.add_option("--frame", a.frame, "Only coordinates in this frame, as it is written there")
+    c.add_option("--frame", a.frame, "Only coordinates in this frame, such as ETRF2000")
         ->type_name("FRAME")
         ->check(Filled());
 }
@@ -322,7 +359,7 @@ void AddStationsCommand(CLI::App& app, int& exitCode) {
                   Near, exitCode);
     c->add_option("LAT", a->lat, "Latitude in degrees, north positive")->required()->check(Filled());
     c->add_option("LON", a->lon, "Longitude in degrees, east positive")->required()->check(Filled());
-    c->add_option("--within", a->within, "How far, along the ground [100]")
+    c->add_option("--within", a->within, "How far, in a straight line [100]")
         ->type_name("KILOMETRES")
         ->check(Filled());
     c->add_option("--count", a->count, "At most so many sets of coordinates")

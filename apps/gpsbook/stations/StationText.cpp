@@ -1,9 +1,12 @@
 #include "apps/gpsbook/stations/StationText.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <charconv>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <string_view>
 
 #include "apps/gpsbook/commands/CommandError.h"
 #include "host/coord/Province.h"
@@ -60,6 +63,18 @@ CTrovaNomeBaseGps::enumProvincia ProvinceOption(const std::string& text) {
                        "--province: \"" + text +
                            "\" is no province of Italy; give its sign, such as UD, its name, any or "
                            "abroad");
+}
+
+void NeedFrame(const StationCatalogue& catalogue, const std::string& frame) {
+    if (frame.empty() || catalogue.Stations().empty()) return;
+    std::set<std::string_view> frames;
+    for (const Station& s : catalogue.Stations()) {
+        if (StationCatalogue::Fits(s, {0, CTrovaNomeBaseGps::provTutte, frame})) return;
+        frames.insert(WithoutRemark(s.frame));
+    }
+    throw CommandError(exitNotFound,
+                       fmt::format("--frame: the catalogue has no coordinates in \"{}\"; it has those in {}",
+                                   frame, fmt::join(frames, ", ")));
 }
 
 double NumberOption(const std::string& name, const std::string& text, double low, double high,

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/coord/Station.h"
+#include "host/coord/StationCatalogue.h"
 
 namespace gpsbook {
 
@@ -20,6 +21,10 @@ nlohmann::ordered_json StationJson(const Station& station, std::optional<double>
 
 /// The province of an option's value; any for an empty one. Errors: CommandError (exitUsage).
 CTrovaNomeBaseGps::enumProvincia ProvinceOption(const std::string& text);
+
+/// Refuses the value of --frame when the catalogue has stations and none of them is in such a frame, with the
+/// frames there are. Errors: CommandError (exitNotFound).
+void NeedFrame(const StationCatalogue& catalogue, const std::string& frame);
 
 /// A number from a command line, from `low` to `high`. Errors: CommandError (exitUsage) that names it.
 double NumberOption(const std::string& name, const std::string& text, double low, double high,

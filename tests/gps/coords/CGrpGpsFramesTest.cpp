@@ -119,6 +119,36 @@ TEST_F(CGrpGpsFrames, RandomTextsAreTaggedAndClearedAsAModelDoesIt) {
     EXPECT_GT(set, 200);
 }
 
+/// A group that keeps the texts it is given.
+class ListeningGroup : public CGrpGps {
+public:
+    ListeningGroup() : CGrpGps(nullptr, false, nullptr, 0) {}
+    void SetSecScri(const std::string& text) override {
+        texts.push_back(text);
+        CGrpGps::SetSecScri(text);
+    }
+    std::vector<std::string> texts;
+};
+
+TEST(GroupTags, GoThroughTheVirtualSetter) {
+    ListeningGroup group;
+    EXPECT_TRUE(group.SetBaseEuref(9));
+    EXPECT_TRUE(group.ClearBaseEuref());
+    EXPECT_TRUE(group.SetBaseEuref(10));
+    EXPECT_EQ(group.texts, (std::vector<std::string>{" [WGS84-EUREF]", "", " [WGS84-ETRF2000]"}));
+}
+
+TEST(GroupTags, WhatSetsNoTextDoesNotCallTheSetter) {
+    ListeningGroup group;
+    for (const int kind : {0, 8, 11, -9}) EXPECT_TRUE(group.SetBaseEuref(kind));
+    EXPECT_FALSE(group.ClearBaseEuref());
+    EXPECT_TRUE(group.texts.empty());
+    group.SetBaseEuref(9);
+    group.texts.clear();
+    for (const int kind : {0, 9, 10}) EXPECT_FALSE(group.SetBaseEuref(kind));
+    EXPECT_TRUE(group.texts.empty());
+}
+
 /// A group whose points have these texts.
 class VrsOfAGroup : public ::testing::Test {
 protected:
@@ -183,6 +213,43 @@ TEST_F(VrsOfAGroup, PointWithTwoMarksKeepsTheSecond) {
     EXPECT_EQ(Texts(), (std::vector<std::string>{"A  [VRS]"}));
     EXPECT_TRUE(Group().ClearAllPointVrs(-1, changed));
     EXPECT_EQ(Texts(), (std::vector<std::string>{"A"}));
+}
+
+// Against a model that is written as one reads the rules, not as the library does it.
+TEST_F(VrsOfAGroup, RandomTextsAreClearedAsAModelDoesIt) {
+    const std::vector<std::string> parts{"[VRS]", "[VRS]", "[vrs]", "[V", "RS]", " ", "A", "\t", "\xC3\xA0"};
+    std::mt19937 random(7);
+    const auto upTo = [&](int n) { return std::uniform_int_distribution<int>(0, n)(random); };
+    const auto cleared = [](std::string text) {
+        text.erase(text.find("[VRS]"), 5);
+        while (!text.empty() && std::string_view(" \t\r\n\v\f").find(text.back()) != std::string_view::npos)
+            text.pop_back();
+        return text;
+    };
+    long some = 0, none = 0;
+    for (long round = Scaled(3000); round > 0; --round) {
+        std::vector<std::string> texts(static_cast<std::size_t>(upTo(6)));
+        for (std::string& text : texts)
+            for (int n = upTo(5); n > 0; --n) text += parts[static_cast<std::size_t>(upTo(8))];
+        CLibGps other(nullptr, nullptr, nullptr, &map, 0);
+        other.AddGrp(false);
+        for (const std::string& text : texts) other.AddPun(0, false)->SetSecScri(text);
+        const int kept = upTo(8) - 1;
+        std::vector<int> expected;
+        for (int i = 0; i < static_cast<int>(texts.size()); ++i) {
+            std::string& text = texts[static_cast<std::size_t>(i)];
+            if (i == kept || text.find("[VRS]") == std::string::npos) continue;
+            text = cleared(text);
+            expected.push_back(i);
+        }
+        ASSERT_EQ(other.GetGrpAt(0)->ClearAllPointVrs(kept, changed), !expected.empty());
+        ASSERT_EQ(changed, expected);
+        for (int i = 0; i < static_cast<int>(texts.size()); ++i)
+            ASSERT_EQ(other.GetPunAt(0, i)->GetSecScri(), texts[static_cast<std::size_t>(i)]);
+        ++(expected.empty() ? none : some);
+    }
+    EXPECT_GT(some, 50);
+    EXPECT_GT(none, 50);
 }
 
 TEST_F(VrsOfAGroup, EachChangedPointReportsItsTextAndNoOther) {

@@ -66,6 +66,25 @@ TEST_F(CGrpGpsStation, EntityIsNamedAfterTheStationAndTheGroupKeepsItsName) {
     EXPECT_EQ(calls[0].provincia, Catalogo::provUD);
 }
 
+TEST_F(CGrpGpsStation, NameGoesThroughTheVirtualSetter) {
+    struct Listening : CGrpGps {
+        Listening() : CGrpGps(nullptr, false, nullptr, 0) {}
+        void SetNome(const std::string& nome) override {
+            names.push_back(nome);
+            CGrpGps::SetNome(nome);
+        }
+        std::vector<std::string> names;
+    } listening;
+    SetBase(listening, kLat, kLon, kH, 1.5);
+    listening.SetNomeBaseFromCoord(Catalogo::provTutte);
+    listening.SetNomeCoordBaseFromCoord(Catalogo::provTutte);
+    EXPECT_EQ(listening.names, (std::vector<std::string>{"Udine", "Udine"}));
+    found = false;
+    listening.SetNomeBaseFromCoord(Catalogo::provTutte);
+    listening.SetNomeCoordBaseFromCoord(Catalogo::provTutte);
+    EXPECT_EQ(listening.names.size(), 2U);
+}
+
 TEST_F(CGrpGpsStation, NameThatItHasIsNoChange) {
     group.SetNome("Udine");
     ReportLog log;

@@ -1,8 +1,11 @@
 // The mark of points measured against a virtual reference station.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "gps/model/CPunGps.h"
 #include "gps/model/FrameTags.h"
+#include "tests/Scale.h"
 #include "tests/gps/coords/ScriptedMotore.h"
 
 namespace {
@@ -70,6 +73,54 @@ TEST_F(CPunGpsFrames, ClearingRemovesTheFirstMarkAndWhiteSpaceAtTheEnd) {
 
 TEST_F(CPunGpsFrames, WithoutAMarkNothingIsCleared) {
     for (const char* text : {"", "KERB  ", "[vrs] "}) EXPECT_EQ(Clear(text), std::string("-") + text);
+}
+
+// Against a model that is written as one reads the rules, not as the library does it.
+TEST_F(CPunGpsFrames, RandomTextsAreMarkedAndClearedAsAModelDoesIt) {
+    const std::vector<std::string> parts{"[VRS]", "[VRS]", "[vrs]", "[V",       "RS]",
+                                         " ",     "  ",    "A",     "\xC3\xA0", "\t"};
+    std::mt19937 random(3);
+    const auto upTo = [&](std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n)(random); };
+    long marked = 0, plain = 0;
+    for (long round = Scaled(20000); round > 0; --round) {
+        std::string text;
+        for (std::size_t n = upTo(6); n > 0; --n) text += parts[upTo(parts.size() - 1)];
+        const std::size_t at = text.find("[VRS]");
+        if (at == std::string::npos) {
+            ASSERT_EQ(Clear(text), "-" + text);
+            ASSERT_EQ(Set(text), text + " [VRS]");
+            ++plain;
+            continue;
+        }
+        ASSERT_EQ(Set(text), "-" + text);
+        std::string rest = text.substr(0, at) + text.substr(at + 5);
+        while (!rest.empty() && std::string_view(" \t\r\n\v\f").find(rest.back()) != std::string_view::npos)
+            rest.pop_back();
+        ASSERT_EQ(Clear(text), rest);
+        ++marked;
+    }
+    EXPECT_GT(marked, 200);
+    EXPECT_GT(plain, 200);
+}
+
+/// A point that keeps the texts it is given.
+class ListeningPoint : public CPunGps {
+public:
+    ListeningPoint() : CPunGps(nullptr, false, nullptr) {}
+    void SetSecScri(const std::string& text) override {
+        texts.push_back(text);
+        CPunGps::SetSecScri(text);
+    }
+    std::vector<std::string> texts;
+};
+
+TEST(PointMark, GoesThroughTheVirtualSetterAndOnlyWhenItChanges) {
+    ListeningPoint point;
+    EXPECT_FALSE(point.ClearPointAsVrs());
+    EXPECT_TRUE(point.SetPointAsVrs());
+    EXPECT_FALSE(point.SetPointAsVrs());
+    EXPECT_TRUE(point.ClearPointAsVrs());
+    EXPECT_EQ(point.texts, (std::vector<std::string>{" [VRS]", ""}));
 }
 
 TEST_F(CPunGpsFrames, SetAndClearBringBackATextWithoutWhiteSpaceAtItsEnd) {

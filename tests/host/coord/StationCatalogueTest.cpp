@@ -77,6 +77,18 @@ TEST(StationCatalogue, ProvinceAndFrameNarrowTheSearch) {
     EXPECT_EQ(catalogue.Find(kHere, {5, Catalogo::provGO, "IGb14"}), nullptr);
 }
 
+TEST(StationCatalogue, FrameIsFoundWithoutWhatStandsInBrackets) {
+    const StationCatalogue catalogue(
+        {At("A", kHere, "IGS20 (inferred; no label)"), At("B", Beside(1), "IGS20")});
+    const auto first = [&](std::string_view frame) {
+        return IdOf(catalogue.Find(kHere, {5, Catalogo::provTutte, frame}));
+    };
+    EXPECT_EQ(first("IGS20"), "A");
+    EXPECT_EQ(first("igs20 (INFERRED; no label)"), "A");
+    for (const char* frame : {"IGS2", "IGS20 ", "IGS20 (", "IGS20 (inferred)", "IGS20 (inferred; no labels)"})
+        EXPECT_EQ(first(frame), "-") << frame;
+}
+
 // One station for each, at places of their own: found under its own province, and under no other.
 TEST(StationCatalogue, EveryProvinceFindsItsOwn) {
     std::vector<Station> stations;

@@ -79,6 +79,37 @@ TEST_P(StationData, EveryStationIsFoundInItsProvinceAndInNoOther) {
     }
 }
 
+// The table that is shipped, against the one its figures were taken from.
+TEST(ShippedStationData, EveryRowIsARowOfTheOfficialFigures) {
+    const gpstest::CsvTable official(gpstest::DataPath("stations/precise_coordinates.csv"));
+    const StationTable shipped = ReadStationFile(GPS_SOURCE_DIR "/data/stations.csv");
+    EXPECT_TRUE(shipped.problems.empty());
+    ASSERT_GE(shipped.stations.size(), 40U);
+    for (const Station& s : shipped.stations) {
+        int same = 0;
+        for (const gpstest::CsvRow& row : official.Rows()) {
+            if (row.Text("id4") != s.id || row.Text("frame") != s.frame || row.Text("epoch") != s.epoch)
+                continue;
+            ++same;
+            EXPECT_EQ(s.position, (std::array{row.Number("X_m"), row.Number("Y_m"), row.Number("Z_m")}))
+                << s.id;
+            EXPECT_EQ(s.velocity.has_value(), !row.Text("vX_m_yr").empty()) << s.id;
+            if (s.velocity) {
+                EXPECT_EQ(*s.velocity,
+                          (std::array{row.Number("vX_m_yr"), row.Number("vY_m_yr"), row.Number("vZ_m_yr")}))
+                    << s.id;
+            }
+            EXPECT_EQ(s.name, row.Text("name")) << s.id;
+            EXPECT_EQ(s.country, row.Text("country")) << s.id;
+            EXPECT_EQ(s.province, row.Text("province")) << s.id;
+            // Where x, y, z are not what was printed, the source says what was.
+            const bool computed = row.Text("given_as") != "xyz";
+            EXPECT_EQ(s.source, row.Text("source") + (computed ? " (latitude, longitude, height)" : ""));
+        }
+        EXPECT_EQ(same, 1) << s.id << ' ' << s.frame << ' ' << s.epoch;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Tables, StationData,
                          ::testing::Values("italy_catalogue.csv", "europe_catalogue.csv", "igs_europe.csv",
                                            "precise_coordinates.csv"),

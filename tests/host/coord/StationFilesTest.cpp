@@ -3,10 +3,15 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 
+#include <atomic>
+#include <chrono>
 #include <cmath>
 #include <map>
 #include <set>
+#include <stdexcept>
+#include <thread>
 
 #include "platform/base/CIniFile.h"
 #include "tests/Settings.h"
@@ -40,6 +45,10 @@ protected:
         return name;
     }
 
+    static OwnStationsChange Replace(const std::vector<Station>& stations) {
+        return ChangeOwnStations([&](const StationTable&) { return stations; });
+    }
+
     test::TempFolder folder;
     test::Settings settings;
 };
@@ -55,7 +64,7 @@ TEST_F(StationFiles, BothFilesMakeTheCatalogueAndAddedOnesCount) {
     station.name = "Alfa moved";
     Station another = station;
     another.id = "CCCC";
-    ASSERT_TRUE(WriteOwnStations({station, another}));
+    ASSERT_TRUE(Replace({station, another}).done);
     const StationSet set = LoadStations();
     ASSERT_EQ(set.files.size(), 2U);
     EXPECT_EQ(set.files[0].path, Shipped());
@@ -82,6 +91,76 @@ TEST_F(StationFiles, FileThatIsMissingOrNoTableIsNamed) {
     test::WriteFileBytes(Shipped(), kHead + kA + "x\n");
     EXPECT_EQ(LoadStations().files[0].problems[0].line, 3U);
     EXPECT_EQ(LoadStations().catalogue.Stations().size(), 1U);
+}
+
+TEST_F(StationFiles, AddedOneTakesThePlaceOfAShippedOneWithARemark) {
+    test::WriteFileBytes(Shipped(),
+                         kHead + "AAAA,Alfa,ITA,UD,4316423,1014588,4569607,IGS20 (inferred),2008.0,\n");
+    test::WriteFileBytes(Own(), kHead + "AAAA,New,ITA,UD,4316423,1014588,4569607,IGS20,2008.0 (by hand),\n");
+    const StationSet set = LoadStations();
+    ASSERT_EQ(set.catalogue.Stations().size(), 1U);
+    EXPECT_EQ(set.catalogue.Stations()[0].name, "New");
+}
+
+TEST_F(StationFiles, FolderOrPipeIsNamedAsSuch) {
+    EXPECT_EQ(ReadStationFile(folder.Path()).problems[0].what,
+              "this is a folder; give the file of a table in it");
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(ReadStationFile(folder / "pipe").problems[0].what,
+              "this is no file but a pipe or device; write the table to a file first");
+}
+
+// Each takes its time between reading and writing, so that they meet.
+TEST_F(StationFiles, WhatOthersAddMeanwhileStays) {
+    const Station model = ReadStationTable(kHead + kA).stations[0];
+    std::vector<std::thread> threads;
+    std::atomic<int> done = 0;
+    for (int i = 0; i < 12; ++i)
+        threads.emplace_back([&, i] {
+            const OwnStationsChange change = ChangeOwnStations([&](const StationTable& table) {
+                std::vector<Station> stations = table.stations;
+                stations.push_back(model);
+                stations.back().id = std::to_string(i);
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                return stations;
+            });
+            done += change.done && change.kept.empty();
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(done, 12);
+    std::set<std::string> ids;
+    for (const Station& s : ReadOwnStations().stations) ids.insert(s.id);
+    EXPECT_EQ(ids.size(), 12U);
+}
+
+TEST_F(StationFiles, RefusedChangeWritesNothing) {
+    ASSERT_TRUE(Replace(ReadStationTable(kHead + kA).stations).done);
+    const std::string before = test::FileBytes(Own());
+    EXPECT_THROW(ChangeOwnStations([](const StationTable& table) -> std::optional<std::vector<Station>> {
+                     EXPECT_EQ(table.stations.size(), 1U);
+                     throw std::runtime_error("no");
+                 }),
+                 std::runtime_error);
+    EXPECT_TRUE(ChangeOwnStations([](const StationTable&) { return std::nullopt; }).done);
+    EXPECT_EQ(test::FileBytes(Own()), before);
+    EXPECT_TRUE(Replace({}).done) << "the lock is free again";
+}
+
+TEST_F(StationFiles, TableThatAPersonWroteIsKept) {
+    EXPECT_TRUE(ReadOwnStations().problems.empty()) << "none yet is no problem";
+    const std::string byHand = "# from the office\n" + kHead + kA;
+    test::WriteFileBytes(Own(), byHand);
+    const std::vector<Station> both = ReadStationTable(kHead + kA + kB).stations;
+    EXPECT_TRUE(ChangeOwnStations([](const StationTable&) { return std::nullopt; }).kept.empty());
+    EXPECT_EQ(test::FileBytes(Own()), byHand);
+    const OwnStationsChange change = Replace(both);
+    EXPECT_TRUE(change.done);
+    EXPECT_EQ(change.kept, Own() + ".old");
+    EXPECT_EQ(test::FileBytes(change.kept), byHand);
+    EXPECT_EQ(ReadOwnStations().stations, both);
+    EXPECT_EQ(Replace({both[0]}).kept, "") << "nothing in it but stations";
+    test::WriteFileBytes(Own(), byHand);
+    EXPECT_EQ(Replace(both).kept, Own() + ".old-2");
 }
 
 TEST_F(StationFiles, RadiusIsASetting) {

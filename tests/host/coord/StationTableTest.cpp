@@ -90,8 +90,9 @@ TEST(StationTable, QuoteThatIsNotClosedIsNamed) {
 TEST(StationTable, ProvinceIsASignOrAName) {
     EXPECT_EQ(ReadStationTable(With(4, "Bolzano/Bozen")).stations[0].provincia, Catalogo::provBZ);
     EXPECT_EQ(ReadStationTable(With(4, "")).stations[0].provincia, Catalogo::provTutte);
-    EXPECT_EQ(Problems(With(4, "XX")),
-              "2: \"XX\" is no province of Italy; give its sign, such as UD, or its name\n");
+    for (const std::string text : {"XX", "any", "Abroad"})
+        EXPECT_EQ(Problems(With(4, text)),
+                  "2: \"" + text + "\" is no province of Italy; give its sign, such as UD, or its name\n");
 }
 
 TEST(StationTable, StationOfAnotherCountryIsAbroadWhateverItsProvince) {
@@ -137,6 +138,10 @@ TEST(StationTable, SameStationInTheSameFrameAndEpochTwiceIsNamed) {
     EXPECT_EQ(table.problems[0].line, 3U);
     EXPECT_EQ(table.problems[0].what,
               "UDIN in ETRF2000 at this epoch is in line 2 already; keep one of them");
+    std::string remarked = kUdine;
+    remarked.insert(remarked.find("2008.0") + 6, " (national realisation)");
+    EXPECT_EQ(Problems(kHead + kUdine + remarked),
+              "3: UDIN in ETRF2000 at this epoch is in line 2 already; keep one of them\n");
 }
 
 TEST(StationTable, LinesWithoutAProblemAreTakenAllTheSame) {

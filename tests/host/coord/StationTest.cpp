@@ -40,4 +40,22 @@ TEST(Station, SetsOfCoordinatesAreOfAStationAFrameAndAnEpoch) {
     }
 }
 
+TEST(Station, RemarkInBracketsTellsNoSetsApart) {
+    EXPECT_EQ(WithoutRemark("2008.0 (national realisation)"), "2008.0");
+    EXPECT_EQ(WithoutRemark("IGS20 (inferred; label absent)"), "IGS20");
+    for (const char* text : {"", "2008.0", "ETRF89 (IGM95)", "ETRF2000 (R14)", "WGS84(x)", "IGS20 (x) y"})
+        EXPECT_EQ(WithoutRemark(text), text) << "a name as it stands";
+    Station a;
+    a.id = "UDIN";
+    a.frame = "IGS20 (inferred)";
+    a.epoch = "2008.0 (national realisation)";
+    Station b = a;
+    b.frame = "IGS20";
+    b.epoch = "2008.0";
+    EXPECT_TRUE(a.IsSameSet(b));
+    a.frame = "ETRF2000 (R14)";
+    b.frame = "ETRF2000 (R05)";
+    EXPECT_FALSE(a.IsSameSet(b)) << "realisations of one frame";
+}
+
 }  // namespace

@@ -17,6 +17,9 @@ TEST(Base, WithoutAnActionTellsWhatIsKnown) {
               "Quay: at Udine (UDIN), UD, IGb14 2010.0, 2.000 m away\n");
     EXPECT_EQ(site.Run({"base", "site.gpsbook", "Pier"}).out,
               "Pier: base without a frame\nPier: no station at the base\n");
+    site.Run({"set", "site.gpsbook", "Pier", "base_lon="});
+    EXPECT_EQ(site.Run({"base", "site.gpsbook", "Pier"}).out,
+              "Pier: base without a frame\nPier: the base has no complete position\n");
 }
 
 TEST(Base, TagIsSetAndCleared) {
@@ -91,12 +94,58 @@ TEST(Base, TaggedBaseTakesCoordinatesOfItsFrameOnly) {
         site.Run({"base", "site.gpsbook", "Quay", "name", "--take-coordinates", "--dry-run", "--json"}));
     EXPECT_EQ(json["station"]["frame"], "ETRF89") << "not the nearest, which is in IGb14";
     EXPECT_EQ(json["saved"], false);
-    site.ExpectRefused({"base", "site.gpsbook", "Quay", "name", "--take-coordinates", "--frame", "IGb14"}, 5,
-                       "Quay: tagged EUREF, and Udine has no coordinates in such a frame, only in IGb14");
+    site.ExpectRefused(
+        {"base", "site.gpsbook", "Quay", "name", "--take-coordinates", "--frame", "IGb14"}, 5,
+        "Quay: tagged EUREF, and coordinates in IGb14 do not fit that; Udine has IGb14 2010.0, 2.000 m away; "
+        "ETRF2000 2008.0, 3.000 m away; ETRF89 1989.0, 3.100 m away");
     EXPECT_NE(site.Run({"base", "site.gpsbook", "Quay", "name", "--dry-run"})
                   .out.find("Quay: the base is tagged EUREF, these coordinates are in IGb14\n"),
               std::string::npos)
         << "the name alone may come from any of them";
+}
+
+// Another station in reach, farther away, that has coordinates in the frame of the tag.
+TEST(Base, CoordinatesOfAnotherStationAreNeverTaken) {
+    const StationSite site;
+    site.Put("shipped.csv",
+             "id,name,country,province,x,y,z,frame,epoch\n"
+             "UDIN,Udine,ITA,UD,4316424,1014588,4569607,IGb14,2010.0\n"
+             "UDI2,Udine 2,ITA,UD,4316422,1014588,4569607,ETRF2000,2008.0\n"
+             "UDI2,Udine 2,ITA,UD,4316422.8,1014588,4569607,ETRF89,1989.0\n"
+             "UDIN,Udine,ITA,UD,4316422.5,1014588,4569607,ETRF2014,2010.0\n");
+    site.Run({"base", "site.gpsbook", "Quay", "tag", "etrf2000"});
+    site.ExpectRefused({"base", "site.gpsbook", "Quay", "name", "--take-coordinates"}, 5,
+                       "Quay: tagged ETRF2000, and no coordinates of Udine fit that: IGb14 2010.0, "
+                       "2.000 m away; ETRF2014 2010.0, 3.500 m away. Clear the tag first, or set the other");
+    const auto json = JsonOf(site.Run({"base", "site.gpsbook", "Quay", "name", "--dry-run", "--json"}));
+    EXPECT_EQ(json["station"]["id"], "UDIN");
+    ASSERT_EQ(json["other_sets"].size(), 1U) << json;
+    EXPECT_EQ(json["other_sets"][0]["frame"], "ETRF2014");
+    site.Run({"base", "site.gpsbook", "Quay", "tag", "clear"});
+    site.Run({"base", "site.gpsbook", "Quay", "tag", "euref"});
+    EXPECT_EQ(JsonOf(site.Run({"base", "site.gpsbook", "Quay", "name", "--take-coordinates", "--dry-run",
+                               "--json"}))["station"]["frame"],
+              "ETRF2014")
+        << "the same station's, though another one is nearer";
+}
+
+TEST(Base, OtherCoordinatesOfTheStationAreTold) {
+    const StationSite site;
+    const Outcome outcome =
+        site.Run({"base", "site.gpsbook", "Quay", "name", "--take-coordinates", "--dry-run"});
+    EXPECT_NE(
+        outcome.out.find("Quay: note: Udine has other coordinates: ETRF2000 2008.0, 3.000 m away; ETRF89 "
+                         "1989.0, 3.100 m away; --frame chooses\n"),
+        std::string::npos)
+        << outcome;
+    const auto sets = JsonOf(site.Run({"base", "site.gpsbook", "Quay", "--json"}))["other_sets"];
+    ASSERT_EQ(sets.size(), 2U) << sets;
+    EXPECT_EQ(sets[0]["frame"], "ETRF2000");
+    EXPECT_EQ(sets[0]["epoch"], "2008.0");
+    EXPECT_NEAR(sets[0]["distance"].get<double>(), 3, 1e-6);
+    const Outcome chosen = site.Run(
+        {"base", "site.gpsbook", "Quay", "name", "--take-coordinates", "--frame", "ETRF89", "--dry-run"});
+    EXPECT_EQ(chosen.out.find("note:"), std::string::npos) << chosen;
 }
 
 TEST(Base, DryRunChangesNothing) {
@@ -142,6 +191,8 @@ TEST(Base, WordsThatDoNotGoTogetherAreRefused) {
     site.ExpectRefused({"base", "site.gpsbook", "Quay", "name", "--province", "XX"}, 2,
                        "\"XX\" is no province");
     site.ExpectRefused({"base", "site.gpsbook", "Quay", "name", "--radius", "-1"}, 2, "--radius");
+    site.ExpectRefused({"base", "site.gpsbook", "Quay", "name", "--frame", "ETRF200"}, 5,
+                       "no coordinates in \"ETRF200\"; it has those in ETRF2000, ETRF89, IGb14");
     site.ExpectRefused({"base", "site.gpsbook", "Nowhere", "name"}, 5, "Nowhere");
     site.ExpectRefused({"base", "site.gpsbook", "Quay/P1", "name"}, 2, "P1");
 }

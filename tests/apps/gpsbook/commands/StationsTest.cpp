@@ -1,6 +1,10 @@
 // gpsbook stations: the catalogue of permanent stations; and what other commands tell of them.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 #include "gps/model/CLibGps.h"
 #include "tests/apps/gpsbook/commands/StationSite.h"
 
@@ -31,7 +35,7 @@ TEST(Stations, ListHasTheCatalogueInItsOrder) {
     EXPECT_EQ(Ids(JsonOf(site.Run({"stations", "list", "--province", "abroad", "--json"}))), "");
 }
 
-TEST(Stations, NearOnesComeByDistanceAlongTheGround) {
+TEST(Stations, NearOnesComeByDistanceInAStraightLine) {
     const StationSite site;
     const auto json = JsonOf(site.Run({"stations", "near", "45.95", "13.63", "--json"}));
     EXPECT_EQ(Ids(json), "GORI ETRF2000;UDIN IGb14;UDIN ETRF2000;UDIN ETRF89;");
@@ -44,6 +48,11 @@ TEST(Stations, NearOnesComeByDistanceAlongTheGround) {
     const Outcome far = site.Run({"stations", "near", "-33.9", "-70.6"});
     EXPECT_EQ(far.exitCode, 5) << far;
     EXPECT_NE(far.err.find("no such station within 100 km"), std::string::npos) << far;
+    // The other side of the earth is no farther than straight through it.
+    EXPECT_EQ(JsonOf(site.Run({"stations", "near", "-46", "-167", "--within", "12800", "--json"}))["stations"]
+                  .size(),
+              4U);
+    EXPECT_EQ(site.Run({"stations", "near", "45", "13", "--within", "12801"}).exitCode, 2);
     EXPECT_EQ(site.Run({"stations", "near", "91", "0"}).exitCode, 2);
     EXPECT_EQ(site.Run({"stations", "near", "45"}).exitCode, 2);
 }
@@ -80,6 +89,69 @@ TEST(Stations, OtherValuesAreTakenOnlyWhenAsked) {
     EXPECT_EQ(JsonOf(site.Run({"stations", "add", "moved.csv", "--replace", "--json"}))["replaced"], 1);
     EXPECT_EQ(JsonOf(site.Run({"stations", "list", "--province", "TS", "--json"}))["stations"][0]["x"],
               4337001);
+}
+
+TEST(Stations, ManyProgramsAddAtOnceAndAllIsThere) {
+    const StationSite site;
+    std::vector<std::thread> threads;
+    std::atomic<int> added = 0;
+    for (int i = 0; i < 12; ++i) {
+        std::string table = kTable;
+        table.replace(table.find("TRIE"), 4, "TR" + std::to_string(10 + i));
+        const std::string name = std::to_string(i) + ".csv";
+        site.Put(name, table);
+        threads.emplace_back([&, name] { added += site.Run({"stations", "add", name}).exitCode == 0; });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(added, 12);
+    EXPECT_EQ(JsonOf(site.Run({"stations", "list", "--province", "TS", "--json"}))["stations"].size(), 12U);
+}
+
+TEST(Stations, SetThatReplacesAShippedOneIsTold) {
+    const StationSite site;
+    site.Put("more.csv",
+             "id,name,country,province,x,y,z,frame,epoch,source\n"
+             "UDIN,Udine,ITA,UD,4316423,1014588,4569607.5,ETRF2000,2008.0 (by hand),here\n"
+             "GORI,Gorizia,ITA,GO,4317947,1046521,4560977,ETRF2000,2008.0,here\n");
+    const Outcome outcome = site.Run({"stations", "add", "more.csv", "--json"});
+    EXPECT_EQ(JsonOf(outcome)["instead_of_shipped"], 1) << "the other one is the same";
+    EXPECT_NE(
+        outcome.err.find("note: 1 set of coordinates of more.csv instead of one of the catalogue that comes "
+                         "with the program\n"),
+        std::string::npos)
+        << outcome;
+    EXPECT_EQ(JsonOf(site.Run({"stations", "list", "--json"}))["stations"].size(), 4U);
+    site.Put("new.csv", kTable);
+    EXPECT_EQ(site.Run({"stations", "add", "new.csv"}).err, "");
+}
+
+TEST(Stations, WhatAPersonWroteIntoTheTableIsKept) {
+    const StationSite site;
+    site.Put("more.csv", kTable);
+    EXPECT_EQ(site.Run({"stations", "add", "more.csv"}).exitCode, 0);
+    const std::string byHand = "# checked in May\n" + site.Text("settings/stations.csv");
+    site.Put("settings/stations.csv", byHand);
+    std::string other = kTable;
+    other.replace(other.find("TRIE"), 4, "TRI2");
+    site.Put("other.csv", other);
+    const Outcome outcome = site.Run({"stations", "add", "other.csv"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_NE(outcome.err.find("are kept in " + site.Path("settings/stations.csv.old")), std::string::npos)
+        << outcome;
+    EXPECT_EQ(site.Text("settings/stations.csv.old"), byHand);
+    EXPECT_EQ(Ids(JsonOf(site.Run({"stations", "list", "--province", "TS", "--json"}))),
+              "TRIE ETRF2000;TRI2 ETRF2000;");
+}
+
+TEST(Stations, FrameThatNobodyHasIsAnsweredWithThoseThereAre) {
+    const StationSite site;
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"stations", "list", "--frame", "ETRF200"},
+          std::vector<std::string>{"stations", "near", "46", "13", "--frame", "ETRF200"}}) {
+        const Outcome outcome = site.Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 5) << outcome;
+        EXPECT_NE(outcome.err.find("it has those in ETRF2000, ETRF89, IGb14"), std::string::npos) << outcome;
+    }
 }
 
 TEST(Stations, TableWithAProblemIsNotAdded) {

@@ -70,6 +70,23 @@ TEST(StationText, EveryProvinceIsTakenAsAnOption) {
     }
 }
 
+TEST(StationText, FrameThatNobodyHasIsAnsweredWithThoseThereAre) {
+    Station a = Udine(), b = Udine();
+    b.frame = "IGS20 (inferred)";
+    const StationCatalogue catalogue({a, b, a});
+    for (const char* frame : {"", "etrf2000", "IGS20", "igs20 (inferred)"}) NeedFrame(catalogue, frame);
+    NeedFrame(StationCatalogue(), "ETRF200");
+    try {
+        NeedFrame(catalogue, "ETRF200");
+        FAIL();
+    } catch (const CommandError& e) {
+        EXPECT_EQ(e.Code(), exitNotFound);
+        EXPECT_STREQ(
+            e.what(),
+            "--frame: the catalogue has no coordinates in \"ETRF200\"; it has those in ETRF2000, IGS20");
+    }
+}
+
 TEST(StationText, NumbersAreWholeTextsWithinTheirLimits) {
     EXPECT_EQ(NumberOption("LAT", "-4.5", -90, 90, "degrees"), -4.5);
     EXPECT_EQ(NumberOption("LAT", "90", -90, 90, "degrees"), 90);
