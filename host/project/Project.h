@@ -125,6 +125,7 @@ private:
     void ReplayJournal(Mode mode);
     void TellJournalDamage(Mode mode);
     void SaveReplayed();
+    void SyncNamesBeside(const std::string& path);
     JournalMark KeepStranger(const std::string& journal);
     void TakeJournalIn(std::unique_ptr<JournalWriter> next, const std::string& journal, bool elsewhere);
     JournalMark MarkNow() const;

@@ -81,6 +81,8 @@ void Project::SaveReplayed() {
         notes_.insert(notes_.begin(), told.begin(), told.end());
     } else if (const int error = files_.Unlink(journal_.path); error != 0 && error != ENOENT) {
         throw SystemError(journal_.path, "the journal of an earlier session cannot be removed", error);
+    } else {
+        SyncNamesBeside(journal_.path);
     }
 }
 
@@ -122,20 +124,31 @@ JournalMark Project::KeepStranger(const std::string& journal) {
     return {scan.header->id, last};
 }
 
+// A journal that was removed must not come back with a power loss: the file that the next save makes does not
+// know it any more. When the disk does not confirm it there is nothing better to do.
+void Project::SyncNamesBeside(const std::string& path) {
+    const auto slash = path.rfind('/');
+    files_.SyncFolder(slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash));
+}
+
 // Nothing fails here: the file has its place already.
 void Project::TakeJournalIn(std::unique_ptr<JournalWriter> next, const std::string& journal, bool elsewhere) {
     // A journal that cannot be removed goes on; the file names it.
+    const bool hadFile = writer_ && writer_->HasFile();
     const bool removed = !writer_ || writer_->Remove() == 0;
     // What was there before this program: replayed, salvaged, or kept under another name.
     const bool leftOver = elsewhere || journalFile_.number >= 0;
     if (leftOver) files_.Unlink(journal);
+    if (leftOver || hadFile) SyncNamesBeside(journal);
     if (journalFile_.number >= 0) files_.Close(std::exchange(journalFile_.number, -1));
     if (removed || elsewhere) GoOnWith(std::move(next));
 }
 
 bool Project::DropEdits() {
     if (!writer_) return true;
+    const bool hadFile = writer_->HasFile();
     if (writer_->Remove() != 0) return false;
+    if (hadFile) SyncNamesBeside(target_);
     GoOnWith(NewJournal(path_, target_, opened_->sections));
     return true;
 }
