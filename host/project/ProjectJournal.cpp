@@ -1,6 +1,7 @@
 // Project: the journal between two saves.
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <random>
 #include <utility>
 
@@ -125,10 +126,14 @@ JournalMark Project::KeepStranger(const std::string& journal) {
 }
 
 // A journal that was removed must not come back with a power loss: the file that the next save makes does not
-// know it any more. When the disk does not confirm it there is nothing better to do.
+// know it any more. When the disk does not confirm it, or memory does not suffice, there is nothing better to
+// do.
 void Project::SyncNamesBeside(const std::string& path) {
-    const auto slash = path.rfind('/');
-    files_.SyncFolder(slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash));
+    try {
+        const auto slash = path.rfind('/');
+        files_.SyncFolder(slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash));
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 // Nothing fails here: the file has its place already.
