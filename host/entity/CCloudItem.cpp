@@ -9,14 +9,6 @@
 #include "platform/base/ofpstream.h"
 #include "platform/entity/CCloudTable.h"
 
-namespace {
-
-// Tables count tickets from 1: a higher one comes from a damaged file, and counting on from it would
-// overflow.
-constexpr long long kTicketMax = 1LL << 62;
-
-}  // namespace
-
 const CCloudItem::Observer* CCloudItem::observer_ = nullptr;
 
 CCloudItem::CCloudItem(CCloudTable* table, bool fromCloud) {
@@ -111,7 +103,7 @@ void CCloudItem::LeggeDaFile(ifpstream& in, short) {
         id_ = 0;
         mask_ = 0;
         since_ = 0;
-    } else if (ticket > 0 && ticket <= kTicketMax) {
+    } else if (ticket > 0 && ticket <= TICKET_MAX) {
         ticket_ = ticket;
     } else if (id_ > 0) {
         ticket_ = 0;  // it came from the server: what it drew while it was made is nobody's

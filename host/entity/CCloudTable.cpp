@@ -1,10 +1,15 @@
 #include "platform/entity/CCloudTable.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstring>
 #include <map>
 #include <new>
 
 #include "host/entity/CloudLink.h"
+#include "platform/base/GpsValues.h"
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
 
 struct CCloudTable::Commit {
     std::vector<long long> tickets;            // of the added records, in emitted order
@@ -123,6 +128,56 @@ long long CCloudTable::CalcParentId(const CCloudItem* parent, CCloudTable* paren
     return -(counter - n + parent->addedSlot_ + 1);
 }
 
+// --- records -----------------------------------------------------------------------------------------------
+
+char* CCloudTable::ConcatDoubleValue(char* line, double value, enumDoubleFormat) {
+    char* at = line + std::strlen(line);
+    *at++ = ';';
+    if (IsCoordValid(value)) {
+        at = std::to_chars(at, at + MAX_DOUBLE_TEXT, value).ptr;
+    } else {
+        std::memcpy(at, "NULLVAL", 7);
+        at += 7;
+    }
+    *at = '\0';
+    return at;
+}
+
+void CCloudTable::GenerateCommitString_Del(vex::String& records) const {
+    records.Empty();
+    char line[64] = "DEL;";
+    for (const long long id : deleted_) {
+        if (!records.IsEmpty()) records += "\r\n";
+        char* at = std::to_chars(line + 4, line + sizeof line, static_cast<int>(kind_)).ptr;
+        *at++ = ';';
+        at = std::to_chars(at, line + sizeof line, id).ptr;
+        records += std::string_view(line, static_cast<std::size_t>(at - line));
+    }
+}
+
+void CCloudTable::HoldBack(const std::vector<CCloudItem*>& items) {
+    heldAdded_.reserve(heldAdded_.size() + items.size());
+    heldChanged_.reserve(heldChanged_.size() + items.size());
+    GetChanged();
+    for (CCloudItem* item : items) {
+        if (!Owns(item)) continue;
+        if (item->addedSlot_ >= 0) {
+            LeaveAdded(*item);
+            heldAdded_.push_back(item);
+        } else if (item->changed_) {
+            LeaveChanged(*item);
+            heldChanged_.push_back(item);
+        }
+    }
+}
+
+void CCloudTable::ReleaseHeld() {
+    for (CCloudItem* item : heldAdded_) EnterAdded(*item);
+    for (CCloudItem* item : heldChanged_) EnterChanged(*item);
+    heldAdded_.clear();
+    heldChanged_.clear();
+}
+
 // --- one commit ------------------------------------------------------------------------------------------
 
 bool CCloudTable::BeginCommit() {
@@ -196,6 +251,87 @@ void CCloudTable::ConfirmDeleted() {
 }
 
 void CCloudTable::EndCommit() { sent_.reset(); }
+
+std::size_t CCloudTable::GetSentAdded() const { return sent_ ? sent_->tickets.size() : 0; }
+std::size_t CCloudTable::GetSentChanged() const { return sent_ ? sent_->masks.size() : 0; }
+std::size_t CCloudTable::GetSentDeleted() const { return sent_ ? sent_->deleted.size() : 0; }
+
+// --- state that is kept between sessions -----------------------------------------------------------------
+
+void CCloudTable::SalvaStato(ofpstream& out) const {
+    out.WriteInt64(lastTicket_);
+    out.WriteInt64(static_cast<std::int64_t>(deleted_.size()));
+    for (const long long id : deleted_) out.WriteInt64(id);
+    SalvaCommit(out);
+}
+
+void CCloudTable::LeggeStato(ifpstream& in) {
+    const long long last = in.ReadInt64();
+    if (last > 0 && last <= CCloudItem::TICKET_MAX) TicketUsed(last);
+    const std::int64_t count = in.ReadInt64();
+    for (std::int64_t i = 0; i < count && in.IsOk(); ++i) {
+        const long long id = in.ReadInt64();
+        if (in.IsOk() && id >= 1 && byId_.emplace(id, nullptr).second) deleted_.insert(id);
+    }
+    LeggeCommit(in);
+}
+
+void CCloudTable::SalvaCommit(ofpstream& out) const {
+    out.WriteUChar(sent_ ? 1 : 0);
+    if (!sent_) return;
+    out.WriteInt64(static_cast<std::int64_t>(sent_->tickets.size()));
+    for (const long long ticket : sent_->tickets) out.WriteInt64(ticket);
+    out.WriteInt64(static_cast<std::int64_t>(sent_->masks.size()));
+    for (const auto& [id, mask] : sent_->masks) {
+        out.WriteInt64(id);
+        out.WriteUInt(mask);
+    }
+    out.WriteInt64(static_cast<std::int64_t>(sent_->deleted.size()));
+    for (const long long id : sent_->deleted) out.WriteInt64(id);
+}
+
+void CCloudTable::LeggeCommit(ifpstream& in) {
+    sent_.reset();
+    if (in.ReadUChar() == 0) return;
+    auto commit = std::make_unique<Commit>();
+    const auto times = [&in](auto read) {
+        const std::int64_t count = in.ReadInt64();
+        for (std::int64_t i = 0; i < count && in.IsOk(); ++i) read();
+    };
+    times([&] { commit->tickets.push_back(in.ReadInt64()); });
+    times([&] {
+        const long long id = in.ReadInt64();
+        commit->masks.emplace(id, in.ReadUInt());
+    });
+    times([&] { commit->deleted.insert(in.ReadInt64()); });
+    // As when it began: what changed until then is part of it.
+    auto ticket = commit->tickets.begin();
+    for (CCloudItem* item : GetAdded()) {
+        while (ticket != commit->tickets.end() && *ticket < item->ticket_) ++ticket;
+        if (ticket == commit->tickets.end()) break;
+        if (*ticket == item->ticket_ && Owns(item)) item->since_ = 0;
+    }
+    for (const auto& [id, mask] : commit->masks) {
+        const auto known = byId_.find(id);
+        if (known != byId_.end() && Owns(known->second)) known->second->since_ = 0;
+    }
+    sent_ = std::move(commit);
+}
+
+void CCloudTable::Adopt(CCloudItem& item) {
+    if (item.GetTable()) return;
+    CCloudItem::TableLink::Leave(item.link_);
+    item.link_ = CCloudItem::TableLink::Share(link_);
+    if (item.id_ >= 1 && !HoldsOther(item)) {
+        EnterById(item);
+        if (item.mask_ != 0) EnterChanged(item);
+        return;
+    }
+    item.id_ = 0;
+    item.mask_ = 0;
+    item.since_ = 0;
+    EnterAdded(item);
+}
 
 // --- collections -----------------------------------------------------------------------------------------
 

@@ -72,6 +72,10 @@ public:
     /// n < 1: id and mask become 0 and the item enters the added items, if it has a table.
     void SetCloudId(long long n);
 
+    /// Tables count tickets from 1: a higher one comes from a damaged file, and counting on from it would
+    /// overflow.
+    static constexpr long long TICKET_MAX = 1LL << 62;
+
     /// The item's record in a project stream: id, mask, bits since the last commit, ticket; 24 bytes in every
     /// version. With `asCopy` all of them are 0: what goes into an exchange file is not the same cloud item.
     void SalvaInFile(ofpstream& out, short version, bool asCopy) const;

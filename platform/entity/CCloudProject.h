@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/base/PlatformExport.h"
+#include "platform/base/vexString.h"
 
 class CCloudTable;
 
@@ -22,6 +23,11 @@ public:
     }
     CCloudTable* GetGpsBaseTable() const { return base_; }
     CCloudTable* GetGpsPntTable() const { return points_; }
+
+    /// Replaces `records` by what one commit sends, "\r\n" between two records: base changes, point changes,
+    /// base additions, point additions, deletions of bases, of points. Additions of points refer to bases of
+    /// the same commit by counting its additions. Nothing without tables.
+    void GenerateCommit(vex::String& records);
 
 private:
     bool isCloud_;

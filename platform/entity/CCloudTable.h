@@ -1,6 +1,7 @@
 // CCloudTable: what a cloud project has to send of one kind of items, and what it knows by id.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -25,6 +26,13 @@ class CLibGen;
 class GPS_PLATFORM_API CCloudTable {
 public:
     enum enumTable { tabGpsBase = 3, tabGpsPnt = 4 };
+
+    /// What a real value in a record is; all three are written alike, without any conversion of units.
+    enum enumDoubleFormat {
+        fmtLineare = 0,  // metres, and coefficients in their own units
+        fmtAngolo = 1,   // degrees
+        fmtFattore = 2   // scale (dimensionless), angle of rotation (degrees)
+    };
 
     explicit CCloudTable(enumTable kind);
 
@@ -77,6 +85,25 @@ public:
     /// of add records so far, those of the parent's table being the last of them.
     static long long CalcParentId(const CCloudItem* parent, CCloudTable* parentTable, int counter);
 
+    // --- records ---------------------------------------------------------------------------------------
+
+    /// Room that one real value needs in a line, with the ";" in front of it.
+    static constexpr int MAX_DOUBLE_TEXT = 32;
+
+    /// Appends ";" and a real value to a line that ends with a zero byte, and ends it again; returns the new
+    /// end. `line` may be the line, or its end: then nothing is searched. "NULLVAL" for a value that is not
+    /// valid (IsCoordValid), else the shortest decimal that reads back as the same value; no locale is asked.
+    static char* ConcatDoubleValue(char* line, double value, enumDoubleFormat format);
+
+    /// Replaces `records` by those of the items that were deleted here, in order of ids: "DEL", the table's
+    /// kind and the id, joined by ";"; "\r\n" between two. They are the same for every kind of items.
+    void GenerateCommitString_Del(vex::String& records) const;
+
+    /// Takes items out of what is to be sent, until ReleaseHeld: those that a record cannot carry. They must
+    /// not be destroyed meanwhile. Items that are not to be sent, or of another table, are passed over.
+    void HoldBack(const std::vector<CCloudItem*>& items);
+    void ReleaseHeld();
+
     // --- one commit ----------------------------------------------------------------------------------
 
     /// Remembers what a commit sends: added items, changed ones with their masks, deletions.
@@ -100,6 +127,33 @@ public:
 
     /// The commit is answered and done with.
     void EndCommit();
+
+    /// What the commit under way holds: added items (by ticket), changed and deleted ones.
+    std::size_t GetSentAdded() const;
+    std::size_t GetSentChanged() const;
+    std::size_t GetSentDeleted() const;
+
+    // --- state that is kept between sessions ---------------------------------------------------------
+
+    /// The items' own records hold their state; these hold what belongs to the table: the last ticket, the
+    /// deletions to be sent, the commit under way. Read before the items, into an empty table: an item that
+    /// is read later takes the place of a tombstone of its id, and finds its ticket not used.
+    void SalvaStato(ofpstream& out) const;
+    void LeggeStato(ifpstream& in);
+
+    /// The commit under way alone, or none. Reading it begins that commit as BeginCommit did: what its items
+    /// that are here changed before is since then part of it.
+    void SalvaCommit(ofpstream& out) const;
+    void LeggeCommit(ifpstream& in);
+
+    /// An item that was made without a table becomes one of this table, as if it had been made with it: by
+    /// its id, or among the added ones. Nothing for an item that has a table.
+    void Adopt(CCloudItem& item);
+
+    /// Has the waiting items written into the journal, and those handed in before them.
+    void StoreTmpItems(const std::vector<CCloudItem*>& more, const std::set<CCloudItem*>& others) {
+        SaveTmpItems(more, others);
+    }
 
     // --- what is waiting (read only) -----------------------------------------------------------------
 
@@ -149,4 +203,5 @@ private:
     std::unordered_map<long long, CCloudItem*> byId_;
     std::set<long long> deleted_;
     std::unique_ptr<Commit> sent_;
+    std::vector<CCloudItem*> heldAdded_, heldChanged_;
 };
