@@ -213,6 +213,18 @@ public:
     TResActionObj CaricaGruppoDaFile(short mode, int after, const std::string& file,
                                      CDrawingsMapper& drawings);
 
+    // --- other field books (gps/cloud) ---------------------------------------------------------------------
+
+    /// Appends copies of all groups and points of another field book, as new ones without cloud id. A group
+    /// or point that cannot be made is passed over. Nothing for null. Intended: a copied group keeps the
+    /// creator device of the source.
+    void ImportCloudItems(CLibGps* source);
+
+    /// Merges another copy of the same cloud project: what is known here by its cloud id has its gaps filled
+    /// (Merge of the tables), what is not is copied and keeps its cloud id. Nothing without a cloud project,
+    /// or for null. Intended: items without cloud id are added again at every call.
+    void MergeCloudItems(CLibGps* source);
+
     // --- options -------------------------------------------------------------------------------------------
 
     COpzLibGps& GetOpzLibGps() { return OpzLib; }
@@ -261,6 +273,9 @@ private:
     void NoteEntry(int code, Write write);
     CGrpGps* GrpToReplay(int g);
     CPunGps* PunToReplay(int g, int p);
+
+    CGrpGps* CopyGrpFrom(const CGrpGps& source, bool fromCloud, bool keepId);
+    void CopyPunFrom(const CPunGps& source, int g, bool fromCloud, bool keepId);
 
     class PunRun;
     void PlacePunTail(int g, int first, int at);

@@ -194,7 +194,8 @@ public:
 
 private:
     friend class CLibGps;
-    friend struct CPunGpsLayout;  // lets a test look at the order of the fields
+    friend class CGpsPntCloudTable;  // whose add records name the group
+    friend struct CPunGpsLayout;     // lets a test look at the order of the fields
 
     template <class T>
     static bool StoreOnly(T& field, T value) {

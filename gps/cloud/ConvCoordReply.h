@@ -1,0 +1,7 @@
+// ConvCoordReply: a coordinate conversion from a reply's fields.
+#pragma once
+
+#include "gps/cloud/ConvCoordValues.h"
+
+/// Reads the 70 fields of a conversion, of which `fields` is the first.
+TConvCoordValues ConvCoordFromReply(const vex::String* fields);

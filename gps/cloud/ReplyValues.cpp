@@ -1,0 +1,95 @@
+#include "gps/cloud/ReplyValues.h"
+
+#include <charconv>
+#include <limits>
+#include <system_error>
+
+#include "platform/base/GpsValues.h"
+
+namespace {
+
+constexpr bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// The text from its number on, without blanks and sign in front.
+struct Unsigned {
+    std::string_view digits;
+    bool negative = false;
+};
+
+Unsigned SkipSign(std::string_view text) {
+    std::size_t at = 0;
+    while (at < text.size() && IsBlank(text[at])) ++at;
+    Unsigned number;
+    if (at < text.size() && (text[at] == '-' || text[at] == '+')) number.negative = text[at++] == '-';
+    number.digits = text.substr(at);
+    return number;
+}
+
+template <class Integer>
+Integer ToInteger(std::string_view text) {
+    using Limits = std::numeric_limits<Integer>;
+    const Unsigned number = SkipSign(text);
+    if (number.digits.empty() || !IsDigit(number.digits.front())) return 0;
+    // The digits follow their sign directly: they are read with it, for the lowest value has no positive one.
+    const char* first = number.digits.data() - (number.negative ? 1 : 0);
+    Integer value = 0;
+    const auto read = std::from_chars(first, text.data() + text.size(), value);
+    if (read.ec == std::errc::result_out_of_range) return number.negative ? Limits::min() : Limits::max();
+    return value;
+}
+
+/// Of a decimal number that no double holds: it is too large, not too small.
+bool IsTooLarge(std::string_view digits) {
+    // The power of ten of the first digit that is not 0 decides, with the exponent.
+    long long power = 0;
+    bool behindPoint = false, begun = false;
+    std::size_t at = 0;
+    for (; at < digits.size(); ++at) {
+        const char c = digits[at];
+        if (c == '.' && !behindPoint) {
+            behindPoint = true;
+        } else if (IsDigit(c)) {
+            begun = begun || c != '0';
+            if (begun && !behindPoint) ++power;
+            if (!begun && behindPoint) --power;
+        } else {
+            break;
+        }
+    }
+    if (at < digits.size() && (digits[at] == 'e' || digits[at] == 'E')) {
+        const int exponent = ToInteger<int>(digits.substr(at + 1));
+        power += exponent;
+    }
+    return power > 0;
+}
+
+bool IsHex(std::string_view digits) {
+    return digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
+}
+
+}  // namespace
+
+int ToInt(std::string_view text) { return ToInteger<int>(text); }
+
+long long ToInt64(std::string_view text) { return ToInteger<long long>(text); }
+
+double ToDouble(std::string_view text) {
+    const Unsigned number = SkipSign(text);
+    std::string_view digits = number.digits;
+    // A second sign would be taken for that of the number.
+    if (digits.empty() || digits.front() == '-') return 0;
+    const bool hex = IsHex(digits);
+    if (hex) digits.remove_prefix(2);
+    double value = 0;
+    const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), value,
+                                      hex ? std::chars_format::hex : std::chars_format::general);
+    if (read.ec == std::errc::invalid_argument) return 0;
+    if (read.ec == std::errc::result_out_of_range)
+        value = IsTooLarge(digits) ? std::numeric_limits<double>::infinity() : 0.0;
+    return number.negative ? -value : value;
+}
+
+double ReplyReal(const vex::String& text) {
+    return text.Compare("NULLVAL") == 0 ? GPS_VAL_UNSET : ToDouble(text.View());
+}
