@@ -106,6 +106,8 @@ void BookEdits::VersionChanged(short version) {
     Note(kVersionChanged, [&](ofpstream& out) { out.WriteShort(version); });
 }
 
+void BookEdits::NoteCloud(int code, const std::function<void(ofpstream&)>& write) { Note(code, write); }
+
 void BookEdits::DeletingGroup(int g) {
     NoteBy([&] { book_.SaveDelGrpGps(book_.GetGrpAt(g)); });
 }

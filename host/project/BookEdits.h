@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -44,6 +45,9 @@ public:
     void MapChanged();      // the map library
     void SettingsChanged(const std::map<std::string, std::string>& settings);  // texts of the project
     void VersionChanged(short version);                                        // of the stream
+
+    /// A step with a shared project (BookCloud), of one of its kinds.
+    void NoteCloud(int code, const std::function<void(ofpstream&)>& write);
 
     // Before the change.
     void DeletingGroup(int g);  // with its points

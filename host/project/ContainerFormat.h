@@ -40,6 +40,7 @@ inline constexpr std::string_view kGpsSection = "gps";
 inline constexpr std::string_view kMapSection = "map";
 inline constexpr std::string_view kSettingsSection = "project";
 inline constexpr std::string_view kJournalSection = "journal";
+inline constexpr std::string_view kCloudSection = "cloud";
 
 constexpr std::int64_t BlocksOf(std::int64_t length) { return (length + kBlock - 1) / kBlock; }
 

@@ -14,5 +14,9 @@ inline constexpr int kOptionsChanged = 9005;
 inline constexpr int kMapChanged = 9006;
 inline constexpr int kSettingsChanged = 9007;
 inline constexpr int kVersionChanged = 9008;
+inline constexpr int kCommitBegun = 9009;     // of a shared project, with its text
+inline constexpr int kCommitAnswered = 9010;  // with the answer
+inline constexpr int kPageTaken = 9011;       // with what others changed
+inline constexpr int kConflictDropped = 9012;
 
 }  // namespace gpsproject

@@ -134,6 +134,13 @@ private:
             case kVersionChanged:
                 project_.SetStreamVersion(in.ReadShort());
                 break;
+            case kCommitBegun:
+            case kCommitAnswered:
+            case kPageTaken:
+            case kConflictDropped:
+                if (const std::string wrong = project_.GetCloud().Replay(code, in); !wrong.empty())
+                    return wrong;
+                break;
             default:
                 return "kind " + std::to_string(code) + " is not known; use a newer program";
         }

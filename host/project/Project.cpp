@@ -64,9 +64,11 @@ Project::Project(short streamVersion) : Project(streamVersion, FileOperations::S
 Project::Project(short streamVersion, FileOperations& files)
     : files_(files),
       map_(std::make_unique<CLibMap>()),
-      book_(std::make_unique<CLibGps>(nullptr, nullptr, nullptr, map_.get(), 0)),
+      tables_(std::make_unique<CloudTables>()),
+      book_(std::make_unique<CLibGps>(&tables_->project, nullptr, nullptr, map_.get(), 0)),
       journalFile_(files),
       edits_(*book_),
+      cloud_(*tables_, *book_, edits_),
       version_(streamVersion) {}
 
 Project::~Project() {
@@ -76,6 +78,8 @@ Project::~Project() {
         if (writer_->GetDurableSequence() == 0) writer_->Remove();
     }
     book_->SetTmpJournal(nullptr);
+    tables_->base.SetOwner(nullptr);
+    tables_->points.SetOwner(nullptr);
 }
 
 std::unique_ptr<Project> Project::Open(const std::string& path, Mode mode) {

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "gps/model/CLibGps.h"
+#include "host/project/BookCloud.h"
 #include "host/project/BookEdits.h"
+#include "host/project/CloudTables.h"
 #include "host/project/DamageReport.h"
 #include "host/project/JournalFile.h"
 #include "host/project/JournalReplay.h"
@@ -89,6 +91,9 @@ public:
     /// To note what is edited.
     BookEdits& GetEdits() { return edits_; }
 
+    /// The book's side of a shared project, when it belongs to one.
+    BookCloud& GetCloud() { return cloud_; }
+
     /// What the journal brought back at opening.
     const ReplayReport& GetReplay() const { return replay_; }
 
@@ -140,6 +145,7 @@ private:
     FileOperations& files_;
     std::unique_ptr<CLibMap> map_;
     CDrawingsMapper drawings_ = CDrawingsMapper::KeepingUnknown();
+    std::unique_ptr<CloudTables> tables_;
     std::unique_ptr<CLibGps> book_;
     ProjectSettings settings_;
     std::vector<KeptSection> kept_;  // what other programs have put into the file
@@ -155,6 +161,7 @@ private:
     ReplayReport replay_;
     std::unique_ptr<JournalWriter> writer_;
     BookEdits edits_;
+    BookCloud cloud_;
     short version_;
     bool readOnly_ = false;
 };

@@ -74,6 +74,8 @@ void Project::ReadFrom(int file, const Container& container) {
             by([&](ifpstream& in) { map_->LeggeDaFile(in, section.entry.version); });
         else if (section.entry.name == kSettingsSection)
             by([&](ifpstream& in) { ReadSettings(in, settings_); });
+        else if (section.entry.name == kCloudSection)
+            by([&](ifpstream& in) { cloud_.LeggeDaFile(in); });
         else if (section.entry.name == kJournalSection)
             by([&](ifpstream& in) { mark_ = ReadMark(in); });
         else

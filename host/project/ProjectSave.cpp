@@ -64,6 +64,9 @@ void Project::WriteSections(ContainerWriter& writer, const JournalMark& mark, co
     if (mark.id != 0)
         need(writer.Section(std::string(kJournalSection), version_, 0,
                             [&](ofpstream& out) { WriteMark(out, mark); }));
+    if (cloud_.IsLinked())
+        need(writer.Section(std::string(kCloudSection), version_, 0,
+                            [&](ofpstream& out) { cloud_.SalvaInFile(out); }));
     for (const KeptSection& kept : kept_)
         need(writer.Section(kept.name, kept.version, kept.items, [&](ofpstream& out) {
             out.WriteBytes(kept.content.data(), kept.content.size());

@@ -1,0 +1,447 @@
+#include "host/project/BookCloud.h"
+
+#include <algorithm>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include "gps/cloud/FieldLayout.h"
+#include "gps/model/CLibGps.h"
+#include "host/project/BookEdits.h"
+#include "host/project/EditCodes.h"
+#include "host/project/HeldBack.h"
+#include "host/project/KeptItem.h"
+#include "host/project/ProjectError.h"
+#include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
+
+namespace gpsproject {
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+
+/// One record of a commit, as far as it has to be known again when it is answered.
+struct SentRecord {
+    std::string_view tag, second, third;
+};
+
+// Texts with separators are never sent: fields are what stands between the separators.
+template <class Visit>
+void ForEachRecord(std::string_view records, Visit visit) {
+    std::int64_t number = 0;
+    while (!records.empty()) {
+        const auto end = records.find(kLineEnd);
+        std::string_view line = records.substr(0, end);
+        records = end == std::string_view::npos ? std::string_view{} : records.substr(end + kLineEnd.size());
+        const auto next = [&line] {
+            const auto at = line.find(';');
+            const std::string_view field = line.substr(0, at);
+            line = at == std::string_view::npos ? std::string_view{} : line.substr(at + 1);
+            return field;
+        };
+        SentRecord record;
+        record.tag = next();
+        record.second = next();
+        record.third = next();
+        visit(++number, record);
+    }
+}
+
+std::int64_t IdOf(std::string_view digits) {
+    std::int64_t id = 0;
+    for (const char c : digits) id = id * 10 + (c - '0');  // written by the tables
+    return id;
+}
+
+std::span<const FieldGroup> FieldsOfKind(CloudKind kind) {
+    if (kind == CloudKind::group) return GRP_FIELDS;
+    return PUN_FIELDS;
+}
+
+std::string Joined(const std::vector<vex::String>& fields, const FieldGroup& group) {
+    std::string text;
+    for (int i = group.first; i < group.first + group.count; ++i) {
+        if (i > group.first) text += ';';
+        text += fields[static_cast<std::size_t>(i)].View();
+    }
+    return text;
+}
+
+std::string AuthorOf(const PullPage& page, std::int32_t device) {
+    const auto found = page.authors.find(device);
+    return found == page.authors.end() ? "device " + std::to_string(device) : found->second;
+}
+
+/// The id that a reply is about; 0: it has none.
+std::int64_t IdOf(const CloudReply& reply) {
+    const std::size_t at = reply.deleted ? 1 : 0;
+    const std::size_t fields = reply.deleted                    ? DEL_REPLY_FIELDS
+                               : reply.kind == CloudKind::group ? GRP_REPLY_FIELDS
+                                                                : PUN_REPLY_FIELDS;
+    if (reply.fields.size() != fields) return 0;
+    const std::string_view text = reply.fields[at].View();
+    if (text.empty() || text.size() > 18 ||
+        !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return 0;
+    return IdOf(text);
+}
+
+}  // namespace
+
+BookCloud::BookCloud(CloudTables& tables, CLibGps& book, BookEdits& edits)
+    : tables_(tables), book_(book), edits_(edits) {
+    tables_.base.SetOwner(&book_);
+    tables_.points.SetOwner(&book_);
+}
+
+void BookCloud::Link(const CloudLink& link) {
+    for (int g = 0; g < book_.GetGrpArSize(); ++g) {
+        book_.GetGrpAt(g)->SetCloudId(0);
+        tables_.base.Adopt(*book_.GetGrpAt(g));
+        for (int p = 0; p < book_.GetPunArSize(g); ++p) {
+            book_.GetPunAt(g, p)->SetCloudId(0);
+            tables_.points.Adopt(*book_.GetPunAt(g, p));
+        }
+    }
+    tables_.Link();
+    state_ = {};
+    state_.link = link;
+}
+
+void BookCloud::SetLink(const CloudLink& link) { state_.link = link; }
+
+bool BookCloud::HasToSend() {
+    const auto waits = [](const CCloudTable& table) {
+        return !table.GetAdded().empty() || !table.GetChanged().empty() || !table.GetDeleted().empty();
+    };
+    return state_.commit || waits(tables_.base) || waits(tables_.points);
+}
+
+// --- a commit and its answer -----------------------------------------------------------------------------
+
+bool BookCloud::BeginCommit(const std::string& id) {
+    if (!IsLinked() || state_.commit || !HasToSend()) return false;
+    CloudCommit commit{id, state_.revision, {}};
+    {
+        const Holding holding(tables_, FindHeld(book_, tables_));
+        if (!HasToSend()) return false;
+        vex::String records;
+        tables_.project.GenerateCommit(records);
+        commit.records = records.View();
+        tables_.base.BeginCommit();
+        tables_.points.BeginCommit();
+    }
+    try {
+        Edit edit(edits_);
+        edits_.NoteCloud(kCommitBegun, [&](ofpstream& out) {
+            WriteCommit(out, commit);
+            tables_.base.SalvaCommit(out);
+            tables_.points.SalvaCommit(out);
+        });
+        edit.Done();
+    } catch (...) {
+        // What is not on the way to the disk is not sent: it waits as before.
+        tables_.base.EndCommit();
+        tables_.points.EndCommit();
+        throw;
+    }
+    state_.commit = std::move(commit);
+    return true;
+}
+
+bool BookCloud::TakeAnswer(const CommitAnswer& answer, int device) {
+    if (!state_.commit || answer.commit != state_.commit->id) return false;
+    if (answer.ids.size() != tables_.base.GetSentAdded() + tables_.points.GetSentAdded()) return false;
+    Edit edit(edits_);
+    edits_.NoteCloud(kCommitAnswered, [&](ofpstream& out) {
+        out.WriteInt(device);
+        WriteAnswer(out, answer);
+    });
+    Answered(answer, device);
+    edit.Done();
+    return true;
+}
+
+void BookCloud::Answered(const CommitAnswer& answer, int device) {
+    std::vector<CloudRefusal> refusals;
+    std::vector<long long> groups, points;  // changes that were taken
+    auto refused = answer.refused.begin();
+    ForEachRecord(state_.commit->records, [&](std::int64_t number, const SentRecord& record) {
+        while (refused != answer.refused.end() && refused->number < number) ++refused;
+        const bool taken = refused == answer.refused.end() || refused->number != number;
+        const bool group =
+            record.tag == "UBAS" || record.tag == "IBAS" || (record.tag == "DEL" && record.second == "3");
+        const bool change = record.tag == "UBAS" || record.tag == "UPTGPS";
+        if (taken && change) (group ? groups : points).push_back(IdOf(record.second));
+        if (taken) return;
+        CloudRefusal refusal{group ? CloudKind::group : CloudKind::point, 0, {}, refused->reason};
+        if (change)
+            refusal.id = IdOf(record.second);
+        else if (record.tag == "DEL")
+            refusal.id = IdOf(record.third);
+        else
+            refusal.name = group ? record.second : record.third;
+        refusals.push_back(std::move(refusal));
+    });
+
+    const auto firstPoint = answer.ids.begin() + static_cast<std::ptrdiff_t>(tables_.base.GetSentAdded());
+    tables_.base.ConfirmAdded({answer.ids.begin(), firstPoint}, device);
+    tables_.points.ConfirmAdded({firstPoint, answer.ids.end()}, device);
+    tables_.base.ConfirmChanged(groups);
+    tables_.points.ConfirmChanged(points);
+    tables_.base.ConfirmDeleted();
+    tables_.points.ConfirmDeleted();
+    tables_.base.EndCommit();
+    tables_.points.EndCommit();
+
+    for (const CloudClash& clash : answer.clashes) {
+        CloudConflict conflict;
+        conflict.kind = clash.bit == 0 ? CloudConflict::Kind::deletedHere : CloudConflict::Kind::field;
+        conflict.clash = clash;
+        AddConflict(std::move(conflict));
+    }
+    state_.refusals = std::move(refusals);
+    if (answer.revision > 0) state_.own.push_back(answer.revision);
+    state_.commit.reset();
+}
+
+// --- what others did -------------------------------------------------------------------------------------
+
+PullRequest BookCloud::GetPullRequest() const {
+    const bool again = state_.again >= 0 && state_.again < state_.revision;
+    return {again ? state_.again : state_.revision, state_.own, 0, {}};
+}
+
+void BookCloud::PullAgainFrom(std::int64_t revision) {
+    if (state_.again < 0 || revision < state_.again) state_.again = revision;
+}
+
+BookCloud::Taken BookCloud::TakePage(const PullPage& page) {
+    Edit edit(edits_);
+    edits_.NoteCloud(kPageTaken, [&](ofpstream& out) { WritePage(out, page); });
+    const Taken taken = Apply(page);
+    edit.Done();  // not for a page that does not fit: it would not fit at the next opening either
+    return taken;
+}
+
+BookCloud::Taken BookCloud::Apply(const PullPage& page) {
+    Taken taken;
+    for (const CloudReply& reply : page.replies) {
+        const std::string author = AuthorOf(page, reply.device);
+        if (reply.deleted)
+            ApplyDeletion(reply, author, page.upTo, taken);
+        else
+            ApplyEdit(reply, author, page.upTo, taken);
+    }
+    if (page.last) {
+        state_.revision = page.upTo;
+        state_.again = -1;
+        std::erase_if(state_.own, [&](std::int64_t revision) { return revision <= page.upTo; });
+    }
+    book_.SetModifiedFlag(true);
+    return taken;
+}
+
+void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, std::int64_t revision,
+                          Taken& taken) {
+    const std::int64_t id = IdOf(reply);
+    CCloudTable& table = TableOf(reply.kind);
+    CCloudItem* item = nullptr;
+    const bool known = id > 0 && table.FindItem(id, item);
+    if (item && item->GetCloudFlag() != 0) {
+        // The local value stays: what the other one set is worth telling where it differs.
+        vex::String mine;
+        for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
+            if ((item->GetCloudFlag() & fields.bit) == 0) continue;
+            FieldsOf(reply.kind, *item, fields.bit, mine);
+            std::string theirs = Joined(reply.fields, fields);
+            if (mine.View() == theirs) continue;
+            CloudConflict conflict;
+            conflict.clash = {reply.kind,
+                              id,
+                              std::string(reply.fields[2].View()),
+                              fields.bit,
+                              std::string(mine.View()),
+                              std::move(theirs),
+                              reply.device,
+                              author,
+                              revision};
+            AddConflict(std::move(conflict));
+            ++taken.conflicts;
+        }
+    }
+    // What was deleted here, and the server does not know it yet.
+    const auto tellDeletedHere = [&] {
+        CloudConflict conflict;
+        conflict.kind = CloudConflict::Kind::deletedHere;
+        conflict.clash.kind = reply.kind;
+        conflict.clash.id = id;
+        conflict.clash.name = reply.fields[2].View();
+        conflict.clash.device = reply.device;
+        conflict.clash.author = author;
+        conflict.clash.revision = revision;
+        AddConflict(std::move(conflict));
+        ++taken.conflicts;
+    };
+    if (table.UpdateSuccessful_Edit(reply.fields)) {
+        if (known && !item) return tellDeletedHere();
+        ++(reply.kind == CloudKind::group ? taken.groups : taken.points);
+        return;
+    }
+    // A new point of a group that was deleted here: the deletion is still to be sent, and takes the point.
+    if (id > 0 && reply.kind == CloudKind::point) {
+        CloudReply parent = reply;
+        std::swap(parent.fields[0], parent.fields[1]);
+        if (CCloudItem* group = nullptr; tables_.base.FindItem(IdOf(parent), group) && !group)
+            return tellDeletedHere();
+    }
+    throw ProjectError(
+        ProjectError::Kind::damaged,
+        book_.GetNomeFile() + ": the server sent a " + (reply.kind == CloudKind::group ? "group" : "point") +
+            " (id " + std::to_string(id) + ") that does not fit the book; nothing behind it was taken over");
+}
+
+bool BookCloud::HasUnconfirmed(int g) const {
+    if (book_.GetGrpAt(g)->GetCloudFlag() != 0) return true;
+    for (int p = 0; p < book_.GetPunArSize(g); ++p) {
+        const CPunGps& point = *book_.GetPunAt(g, p);
+        if (point.GetCloudId() < 1 || point.GetCloudFlag() != 0) return true;
+    }
+    return false;
+}
+
+void BookCloud::ApplyDeletion(const CloudReply& reply, const std::string& author, std::int64_t revision,
+                              Taken& taken) {
+    const std::int64_t id = IdOf(reply);
+    CCloudTable& table = TableOf(reply.kind);
+    CCloudItem* item = nullptr;
+    if (id < 1 || !table.FindItem(id, item)) return;  // it went with its group, or was never here
+    if (item) {
+        CloudConflict conflict;
+        conflict.kind = CloudConflict::Kind::kept;
+        conflict.clash.kind = reply.kind;
+        conflict.clash.id = id;
+        conflict.clash.device = reply.device;
+        conflict.clash.author = author;
+        conflict.clash.revision = revision;
+        int g = -1, p = -1;
+        // The tables hold nothing but the book's groups and points.
+        if (reply.kind == CloudKind::group) {
+            CGrpGps* group = static_cast<CGrpGps*>(item);
+            if (book_.GetIndiciDiGrp(group, g) && HasUnconfirmed(g)) {
+                conflict.clash.name = conflict.group = group->GetNomeGrp();
+                conflict.groupId = id;
+                conflict.keptPoints = book_.GetPunArSize(g);
+                conflict.record = KeepGroup(book_, g);
+            }
+        } else {
+            CPunGps* point = static_cast<CPunGps*>(item);
+            if (point->GetCloudFlag() != 0 && book_.GetIndiciDiPun(point, g, p)) {
+                conflict.clash.name = point->GetNome();
+                conflict.group = book_.GetGrpAt(g)->GetNomeGrp();
+                conflict.groupId = book_.GetGrpAt(g)->GetCloudId();
+                conflict.keptPoints = 1;
+                conflict.record = KeepPoint(book_, g, p);
+            }
+        }
+        if (!conflict.record.empty()) {
+            AddConflict(std::move(conflict));
+            ++taken.conflicts;
+        }
+        // Points leave the host's sets before they go.
+        if (reply.kind == CloudKind::group && g >= 0) book_.GetGrpAt(g)->AzzeraPunSet();
+    }
+    if (table.UpdateSuccessful_Del(reply.fields)) ++taken.deleted;
+}
+
+// --- conflicts -------------------------------------------------------------------------------------------
+
+void BookCloud::AddConflict(CloudConflict conflict) {
+    if (conflict.kind != CloudConflict::Kind::kept) {
+        // Of the same field the newest is what there is to decide.
+        std::erase_if(state_.conflicts, [&](const CloudConflict& other) {
+            return other.kind == conflict.kind && other.clash.kind == conflict.clash.kind &&
+                   other.clash.id == conflict.clash.id && other.clash.bit == conflict.clash.bit;
+        });
+    }
+    conflict.number = ++state_.lastConflict;
+    state_.conflicts.push_back(std::move(conflict));
+}
+
+const CloudConflict* BookCloud::FindConflict(int number) const {
+    const auto found = std::find_if(state_.conflicts.begin(), state_.conflicts.end(),
+                                    [&](const CloudConflict& one) { return one.number == number; });
+    return found == state_.conflicts.end() ? nullptr : &*found;
+}
+
+bool BookCloud::DropConflict(int number) {
+    if (!FindConflict(number)) return false;
+    Edit edit(edits_);
+    edits_.NoteCloud(kConflictDropped, [&](ofpstream& out) { out.WriteInt(number); });
+    edit.Done();
+    std::erase_if(state_.conflicts, [&](const CloudConflict& one) { return one.number == number; });
+    return true;
+}
+
+// --- file and journal ------------------------------------------------------------------------------------
+
+void BookCloud::SalvaInFile(ofpstream& out) const {
+    WriteCloudState(out, state_);
+    tables_.base.SalvaStato(out);
+    tables_.points.SalvaStato(out);
+}
+
+void BookCloud::LeggeDaFile(ifpstream& in) {
+    ReadCloudState(in, state_);
+    tables_.base.LeggeStato(in);
+    tables_.points.LeggeStato(in);
+    tables_.Link();
+}
+
+std::string BookCloud::Replay(int code, ifpstream& in) {
+    if (!IsLinked()) return "it belongs to a shared project, and the book does not";
+    switch (code) {
+        case kCommitBegun:
+            if (state_.commit) return "a commit begins, and the one before is not answered";
+            state_.commit = ReadCommit(in);
+            tables_.base.LeggeCommit(in);
+            tables_.points.LeggeCommit(in);
+            return "";
+        case kCommitAnswered: {
+            const int device = in.ReadInt();
+            const CommitAnswer answer = ReadAnswer(in);
+            if (!state_.commit || answer.commit != state_.commit->id ||
+                answer.ids.size() != tables_.base.GetSentAdded() + tables_.points.GetSentAdded())
+                return "a commit is answered that is not under way";
+            Answered(answer, device);
+            return "";
+        }
+        case kPageTaken:
+            try {
+                Apply(ReadPage(in));
+            } catch (const ProjectError& e) {
+                return e.what();
+            }
+            return "";
+        default: {
+            const int number = in.ReadInt();  // kConflictDropped
+            std::erase_if(state_.conflicts, [&](const CloudConflict& one) { return one.number == number; });
+            return "";
+        }
+    }
+}
+
+CCloudTable& BookCloud::TableOf(CloudKind kind) {
+    if (kind == CloudKind::group) return tables_.base;
+    return tables_.points;
+}
+
+void BookCloud::FieldsOf(CloudKind kind, CCloudItem& item, std::uint32_t bit, vex::String& text) {
+    if (kind == CloudKind::group)
+        tables_.base.GetFields(static_cast<CGrpGps&>(item), bit, text);
+    else
+        tables_.points.GetFields(static_cast<CPunGps&>(item), bit, text);
+}
+
+}  // namespace gpsproject

@@ -1,0 +1,104 @@
+// BookCloud: the book's side of a shared project.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/project/CloudState.h"
+#include "host/project/CloudTables.h"
+
+class CDrawingsMapper;
+class CLibGps;
+class ifpstream;
+
+namespace gpsproject {
+
+class BookEdits;
+
+/// Takes what was edited here to the shared project, and what others edited there into the book. Every step
+/// is noted in the journal as one edit and can be repeated from it: a crash at any moment, or an answer that
+/// got lost, neither loses nor doubles anything, provided that
+/// - a commit is on the disk (BookEdits::Commit) before it is sent;
+/// - no page is taken while a commit is unanswered.
+///
+/// Errors of all operations that change the book: std::bad_alloc, ProjectError (the journal).
+class BookCloud {
+public:
+    BookCloud(CloudTables& tables, CLibGps& book, BookEdits& edits);
+
+    bool IsLinked() const { return tables_.IsLinked(); }
+    const CloudState& GetState() const { return state_; }
+    CloudTables& GetTables() { return tables_; }
+
+    /// Requires: not linked. All groups and points become new ones of the shared project; what ids they had
+    /// were another project's. It is no edit of the journal: save the book.
+    void Link(const CloudLink& link);
+
+    /// The same project (key) under another name or at another place. Save the book.
+    void SetLink(const CloudLink& link);
+
+    /// Something waits to be sent, or was sent and is not answered.
+    bool HasToSend();
+
+    /// The commit under way: as it was first made, however often it is sent. Null: there is none.
+    const CloudCommit* GetCommit() const { return state_.commit ? &*state_.commit : nullptr; }
+
+    /// Makes a commit of all that waits and can be sent, under an id that is used only once. False: there is
+    /// nothing, or another one is under way.
+    bool BeginCommit(const std::string& id);
+
+    /// The server has answered; `device`: which one this is. False, changing nothing: it is no answer to the
+    /// commit under way, or not a whole one.
+    bool TakeAnswer(const CommitAnswer& answer, int device);
+
+    /// What to ask for next, without page.
+    PullRequest GetPullRequest() const;
+
+    /// Items of a copy of the book came in (CLibGps::MergeCloudItems) that knew the project up to an older
+    /// revision: what others did since then, deletions above all, is asked for once more. Save the book.
+    void PullAgainFrom(std::int64_t revision);
+
+    struct Taken {
+        int groups = 0, points = 0;  // new or changed
+        int deleted = 0;             // groups and points, without those that went with their group
+        int conflicts = 0;
+    };
+
+    /// Takes a page of what others changed. A field that waits to be sent keeps its value and becomes a
+    /// conflict; what is deleted and holds something unconfirmed is kept as a conflict first.
+    /// Requires: no commit is under way. Errors: ProjectError (damaged) for a page with a reply that cannot
+    /// be applied; those before it are.
+    Taken TakePage(const PullPage& page);
+
+    /// A conflict is settled. False: there is none of that number.
+    bool DropConflict(int number);
+    const CloudConflict* FindConflict(int number) const;
+
+    // --- for Project ---------------------------------------------------------------------------------
+
+    /// The section of the project file; nothing is linked by an empty one. Read before the book.
+    void SalvaInFile(ofpstream& out) const;
+    void LeggeDaFile(ifpstream& in);
+
+    /// Repeats one of the edits above from the journal. Empty, or what is wrong with it.
+    std::string Replay(int code, ifpstream& in);
+
+private:
+    void Answered(const CommitAnswer& answer, int device);
+    Taken Apply(const PullPage& page);
+    void ApplyEdit(const CloudReply& reply, const std::string& author, std::int64_t revision, Taken& taken);
+    void ApplyDeletion(const CloudReply& reply, const std::string& author, std::int64_t revision,
+                       Taken& taken);
+    bool HasUnconfirmed(int g) const;
+    void AddConflict(CloudConflict conflict);
+    CCloudTable& TableOf(CloudKind kind);
+    void FieldsOf(CloudKind kind, CCloudItem& item, std::uint32_t bit, vex::String& text);
+
+    CloudTables& tables_;
+    CLibGps& book_;
+    BookEdits& edits_;
+    CloudState state_;
+};
+
+}  // namespace gpsproject

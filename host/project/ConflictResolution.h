@@ -1,0 +1,23 @@
+// ConflictResolution: what a person decides about a conflict.
+#pragma once
+
+#include <string>
+
+#include "host/project/Project.h"
+
+namespace gpsproject {
+
+// Each is one edit of the book, and settles the conflict. Errors: ProjectError: notFound (no such conflict,
+// or what it is about is not in the book any more), notHeld (a conflict of another kind).
+
+/// What stands in the book stays; of a kept item: it stays deleted, and what was kept of it goes.
+void KeepAsItIs(Project& project, int number);
+
+/// The other one's value comes into the book, as an edit: it is sent with the next sync.
+void TakeTheirs(Project& project, int number);
+
+/// A kept group, or point, comes into the book again, as a new one. A point goes into group `g`; -1: into the
+/// one where it was. Returns the group's position.
+int AddAgain(Project& project, int number, int g);
+
+}  // namespace gpsproject
