@@ -19,11 +19,9 @@ class CDatumConv;
 ///
 /// Its owner is the field book (CCloudTable::SetOwner); its items are groups, all of them. Not thread-safe:
 /// calls come from the thread that edits the book.
-class GPS_API CGpsBaseCloudTable : public CCloudTable {
+class GPS_API CGpsBaseCloudTable : public CCloudTable {  // NOLINT(cppcoreguidelines-virtual-class-destructor)
 public:
     CGpsBaseCloudTable();
-    CGpsBaseCloudTable(const CGpsBaseCloudTable&) = default;
-    CGpsBaseCloudTable& operator=(const CGpsBaseCloudTable&) = default;
 
     // --- in the order of the virtual operations
     // -------------------------------------------------------------

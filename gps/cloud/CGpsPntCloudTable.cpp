@@ -8,6 +8,13 @@ namespace {
 
 constexpr std::uint32_t kAllFields = 0x1FFFF;
 
+char* AppendCovariance(char* end, float covariance) {
+    const double units = (covariance > 1.0F ? 1.0 : static_cast<double>(covariance)) * 1e9;
+    // What 64 bits do not hold, and NaN, has no lower 32 bits to send.
+    const bool fits = units > -0x1p63 && units < 0x1p63;
+    return AppendInt(end, static_cast<std::int32_t>(fits ? static_cast<std::int64_t>(units) : 0));
+}
+
 std::size_t ItemTextBytes(CCloudItem* item) { return EntityTextBytes(*PunOf(item)); }
 
 }  // namespace
@@ -15,11 +22,7 @@ std::size_t ItemTextBytes(CCloudItem* item) { return EntityTextBytes(*PunOf(item
 CGpsPntCloudTable::CGpsPntCloudTable(CGpsBaseCloudTable* base) : CCloudTable(tabGpsPnt), base_(base) {}
 
 char* CGpsPntCloudTable::ConcatCovarianceValue(char* line, float covariance) {
-    const double units = (covariance > 1.0F ? 1.0 : static_cast<double>(covariance)) * 1e9;
-    // What 64 bits do not hold, and NaN, has no lower 32 bits to send.
-    const bool fits = units > -0x1p63 && units < 0x1p63;
-    const auto whole = fits ? static_cast<std::int64_t>(units) : 0;
-    return AppendInt(line + std::strlen(line), static_cast<std::int32_t>(whole));
+    return AppendCovariance(EndOf(line), covariance);
 }
 
 char* CGpsPntCloudTable::AppendFields(char* end, const CPunGps& point, std::uint32_t mask) {
@@ -42,12 +45,12 @@ char* CGpsPntCloudTable::AppendFields(char* end, const CPunGps& point, std::uint
     if (mask & CHG_PUN_HPOSRMS) end = ConcatDoubleValue(end, point.GetHposRms(), fmtLineare);
     if (mask & CHG_PUN_VPOSRMS) end = ConcatDoubleValue(end, point.GetVposRms(), fmtLineare);
     if (mask & CHG_PUN_POSCOV) {
-        end = ConcatCovarianceValue(end, point.GetPosCov_xx());
-        end = ConcatCovarianceValue(end, point.GetPosCov_xy());
-        end = ConcatCovarianceValue(end, point.GetPosCov_xz());
-        end = ConcatCovarianceValue(end, point.GetPosCov_yy());
-        end = ConcatCovarianceValue(end, point.GetPosCov_yz());
-        end = ConcatCovarianceValue(end, point.GetPosCov_zz());
+        end = AppendCovariance(end, point.GetPosCov_xx());
+        end = AppendCovariance(end, point.GetPosCov_xy());
+        end = AppendCovariance(end, point.GetPosCov_xz());
+        end = AppendCovariance(end, point.GetPosCov_yy());
+        end = AppendCovariance(end, point.GetPosCov_yz());
+        end = AppendCovariance(end, point.GetPosCov_zz());
     }
     return end;
 }

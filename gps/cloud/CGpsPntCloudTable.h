@@ -13,12 +13,10 @@ class CGpsBaseCloudTable;
 
 /// For the points what CGpsBaseCloudTable is for the groups, with records "UPTGPS" and "IPTGPS". A new point
 /// names its group through the base table.
-class GPS_API CGpsPntCloudTable : public CCloudTable {
+class GPS_API CGpsPntCloudTable : public CCloudTable {  // NOLINT(cppcoreguidelines-virtual-class-destructor)
 public:
     /// `base`: the base table of the same project; it outlives this one.
     explicit CGpsPntCloudTable(CGpsBaseCloudTable* base);
-    CGpsPntCloudTable(const CGpsPntCloudTable&) = default;
-    CGpsPntCloudTable& operator=(const CGpsPntCloudTable&) = default;
 
     // --- in the order of the virtual operations
     // -------------------------------------------------------------

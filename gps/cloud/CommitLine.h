@@ -32,6 +32,9 @@ private:
 // Each appends at the end of a line and ends it anew with a zero byte; it returns the new end. Searching for
 // the end, or building the line from itself, would cost more with every field.
 
+/// The end of a line; nothing is searched when it is that already.
+inline char* EndOf(char* line) { return *line == '\0' ? line : line + std::strlen(line); }
+
 inline char* AppendBytes(char* end, std::string_view bytes) {
     std::memcpy(end, bytes.data(), bytes.size());
     end += bytes.size();

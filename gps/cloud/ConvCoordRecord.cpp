@@ -16,7 +16,7 @@ CDatumConv* SelectedDatum(const CConvCoord& conversion) {
 }  // namespace
 
 char* CGpsBaseCloudTable::ConcatDatumConv(char* line, CDatumConv* datum) {
-    char* end = line + std::strlen(line);
+    char* end = EndOf(line);
     if (!datum) return end;
     bool fromStd = false;
     double c[7] = {};
@@ -31,7 +31,7 @@ char* CGpsBaseCloudTable::ConcatDatumConv(char* line, CDatumConv* datum) {
 }
 
 char* CGpsBaseCloudTable::ConcatConvCoord(char* line, CConvCoord* conversion) {
-    char* end = line + std::strlen(line);
+    char* end = EndOf(line);
     CLibMap* map = conversion->GetLibMap();
 
     for (int k = 1; k <= 5; ++k) end = AppendInt(end, conversion->GetImp(k));

@@ -3,5 +3,5 @@
 
 #include "gps/cloud/ConvCoordValues.h"
 
-/// Reads the 70 fields of a conversion, of which `fields` is the first.
-TConvCoordValues ConvCoordFromReply(const vex::String* fields);
+/// Reads the 70 fields of a conversion, from `first` on.
+TConvCoordValues ConvCoordFromReply(const vex::String* first);

@@ -29,12 +29,15 @@ Unsigned SkipSign(std::string_view text) {
 template <class Integer>
 Integer ToInteger(std::string_view text) {
     using Limits = std::numeric_limits<Integer>;
+    Integer value = 0;
+    const char* const last = text.data() + text.size();
+    // As nearly every number is written: no blank, no "+", within the type's range.
+    if (std::from_chars(text.data(), last, value).ec == std::errc()) return value;
     const Unsigned number = SkipSign(text);
     if (number.digits.empty() || !IsDigit(number.digits.front())) return 0;
     // The digits follow their sign directly: they are read with it, for the lowest value has no positive one.
-    const char* first = number.digits.data() - (number.negative ? 1 : 0);
-    Integer value = 0;
-    const auto read = std::from_chars(first, text.data() + text.size(), value);
+    const char* const first = number.digits.data() - (number.negative ? 1 : 0);
+    const auto read = std::from_chars(first, last, value);
     if (read.ec == std::errc::result_out_of_range) return number.negative ? Limits::min() : Limits::max();
     return value;
 }
@@ -64,17 +67,16 @@ bool IsTooLarge(std::string_view digits) {
     return power > 0;
 }
 
+constexpr bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+
 bool IsHex(std::string_view digits) {
-    return digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
+    if (!digits.starts_with("0x") && !digits.starts_with("0X")) return false;
+    digits.remove_prefix(2);
+    if (digits.starts_with('.')) digits.remove_prefix(1);
+    return !digits.empty() && IsHexDigit(digits.front());
 }
 
-}  // namespace
-
-int ToInt(std::string_view text) { return ToInteger<int>(text); }
-
-long long ToInt64(std::string_view text) { return ToInteger<long long>(text); }
-
-double ToDouble(std::string_view text) {
+double ToDoubleOfAnyForm(std::string_view text) {
     const Unsigned number = SkipSign(text);
     std::string_view digits = number.digits;
     // A second sign would be taken for that of the number.
@@ -90,6 +92,25 @@ double ToDouble(std::string_view text) {
     return number.negative ? -value : value;
 }
 
+}  // namespace
+
+int ToInt(std::string_view text) { return ToInteger<int>(text); }
+
+long long ToInt64(std::string_view text) { return ToInteger<long long>(text); }
+
+double ToDouble(std::string_view text) {
+    const char* const last = text.data() + text.size();
+    double value = 0;
+    // As nearly every number is written. An x that ends it may be that of hexadecimal digits.
+    const auto read = std::from_chars(text.data(), last, value);
+    if (read.ec == std::errc() && (read.ptr == last || (*read.ptr != 'x' && *read.ptr != 'X'))) return value;
+    return ToDoubleOfAnyForm(text);
+}
+
 double ReplyReal(const vex::String& text) {
-    return text.Compare("NULLVAL") == 0 ? GPS_VAL_UNSET : ToDouble(text.View());
+    const std::string_view view = text.View();
+    // What begins like a number is not the token: most fields are spared the comparison.
+    const bool isNumber = !view.empty() && (IsDigit(view.front()) || view.front() == '-');
+    if (!isNumber && text.Compare("NULLVAL") == 0) return GPS_VAL_UNSET;
+    return ToDouble(view);
 }

@@ -73,11 +73,10 @@ private:
         const std::size_t k = StepOf(at);
         const int from = at - by_[k];
         std::size_t first = k;  // from this step on shifts change
-        if (k > 0 && from_[k - 1] == from) {
-            first = k;
-        } else if (k < count_ && from >= from_[k]) {
+        const bool begins = k > 0 && from_[k - 1] == from;
+        if (!begins && k < count_ && from >= from_[k]) {
             first = k + 1;  // among what came later
-        } else {
+        } else if (!begins) {
             if (count_ == kMost) return;
             for (std::size_t i = count_; i > k; --i) {
                 from_[i] = from_[i - 1];

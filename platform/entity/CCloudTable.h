@@ -63,7 +63,12 @@ public:
     // --- by id ---------------------------------------------------------------------------------------
 
     /// True when the id is known. `item` is then its item, or null for a tombstone; else unchanged.
-    bool FindItem(long long id, CCloudItem*& item) const;
+    bool FindItem(long long id, CCloudItem*& item) const {
+        const auto found = byId_.find(id);
+        if (found == byId_.end()) return false;
+        item = found->second;
+        return true;
+    }
 
     /// The item is in step with the server: it leaves the added items, is known by its id, its mask is 0.
     /// Requires: an item of this table with an id of 1 or more. A tombstone of that id gives way, with its
