@@ -44,6 +44,8 @@ public:
 
     /// Closes the file, which stays. What was not committed is lost.
     ~JournalWriter() override;
+    JournalWriter(const JournalWriter&) = delete;
+    JournalWriter& operator=(const JournalWriter&) = delete;
 
     /// Begins an entry. Null when another one is open, for another project's file or none, and when the
     /// journal HasFailed. The stream is in memory and has the version already.

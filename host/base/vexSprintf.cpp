@@ -70,11 +70,13 @@ bool AppendOne(std::string& text, const char*& at, va_list& arguments) {
             Append(text, NextUnsigned(width, arguments), 16, letter == 'X');
             return true;
         case 's':
+            if (width != Width::plain) return false;
             if (const char* s = va_arg(arguments, const char*)) text += s;
-            return width == Width::plain;
+            return true;
         case 'c':
+            if (width != Width::plain) return false;
             text += static_cast<char>(va_arg(arguments, int));
-            return width == Width::plain;
+            return true;
         case '%':
             text += '%';
             return width == Width::plain;

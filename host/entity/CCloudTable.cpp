@@ -47,6 +47,9 @@ CCloudTable& CCloudTable::operator=(const CCloudTable& other) {
     byId_ = other.byId_;
     deleted_ = other.deleted_;
     sent_ = other.sent_ ? std::make_unique<Commit>(*other.sent_) : nullptr;
+    changedLost_ = other.changedLost_;
+    heldAdded_.clear();
+    heldChanged_.clear();
     return *this;
 }
 
@@ -77,13 +80,6 @@ CCloudItem* CCloudTable::Merge(CCloudItem*) { return nullptr; }
 void CCloudTable::SaveTmpItems(const std::vector<CCloudItem*>&, const std::set<CCloudItem*>&) {}
 
 // --- by id ---------------------------------------------------------------------------------------------
-
-bool CCloudTable::FindItem(long long id, CCloudItem*& item) const {
-    const auto found = byId_.find(id);
-    if (found == byId_.end()) return false;
-    item = found->second;
-    return true;
-}
 
 bool CCloudTable::AddItemToTable(CCloudItem* item) {
     if (!Owns(item) || item->id_ < 1 || HoldsOther(*item)) return false;
@@ -131,7 +127,7 @@ long long CCloudTable::CalcParentId(const CCloudItem* parent, CCloudTable* paren
 // --- records -----------------------------------------------------------------------------------------------
 
 char* CCloudTable::ConcatDoubleValue(char* line, double value, enumDoubleFormat) {
-    char* at = line + std::strlen(line);
+    char* at = *line == '\0' ? line : line + std::strlen(line);
     *at++ = ';';
     if (IsCoordValid(value)) {
         at = std::to_chars(at, at + MAX_DOUBLE_TEXT, value).ptr;
@@ -145,13 +141,16 @@ char* CCloudTable::ConcatDoubleValue(char* line, double value, enumDoubleFormat)
 
 void CCloudTable::GenerateCommitString_Del(vex::String& records) const {
     records.Empty();
-    char line[64] = "DEL;";
+    const auto append = [&records](long long number) {
+        char digits[24];
+        const char* end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        records += std::string_view(digits, static_cast<std::size_t>(end - digits));
+    };
     for (const long long id : deleted_) {
-        if (!records.IsEmpty()) records += "\r\n";
-        char* at = std::to_chars(line + 4, line + sizeof line, static_cast<int>(kind_)).ptr;
-        *at++ = ';';
-        at = std::to_chars(at, line + sizeof line, id).ptr;
-        records += std::string_view(line, static_cast<std::size_t>(at - line));
+        records += records.IsEmpty() ? "DEL;" : "\r\nDEL;";
+        append(kind_);
+        records += ";";
+        append(id);
     }
 }
 
@@ -298,12 +297,18 @@ void CCloudTable::LeggeCommit(ifpstream& in) {
         const std::int64_t count = in.ReadInt64();
         for (std::int64_t i = 0; i < count && in.IsOk(); ++i) read();
     };
-    times([&] { commit->tickets.push_back(in.ReadInt64()); });
+    // A ticket of the commit is nobody else's, also when its item did not come back.
+    times([&] {
+        const long long ticket = in.ReadInt64();
+        commit->tickets.push_back(ticket);
+        if (ticket > 0 && ticket <= CCloudItem::TICKET_MAX) TicketUsed(ticket);
+    });
     times([&] {
         const long long id = in.ReadInt64();
         commit->masks.emplace(id, in.ReadUInt());
     });
     times([&] { commit->deleted.insert(in.ReadInt64()); });
+    if (!in.IsOk()) return;  // half a commit is none
     // As when it began: what changed until then is part of it.
     auto ticket = commit->tickets.begin();
     for (CCloudItem* item : GetAdded()) {
@@ -322,6 +327,7 @@ void CCloudTable::Adopt(CCloudItem& item) {
     if (item.GetTable()) return;
     CCloudItem::TableLink::Leave(item.link_);
     item.link_ = CCloudItem::TableLink::Share(link_);
+    TicketUsed(item.ticket_);
     if (item.id_ >= 1 && !HoldsOther(item)) {
         EnterById(item);
         if (item.mask_ != 0) EnterChanged(item);

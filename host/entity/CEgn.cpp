@@ -1,16 +1,40 @@
 #include "platform/entity/CEgn.h"
 
+#include <utility>
+
 #include "platform/base/BlockWriter.h"
 #include "platform/base/ifpstream.h"
 #include "platform/base/ofpstream.h"
 
+// The texts stand apart: a descriptor alone, as every merged entity has one, costs no room for them.
 struct CEgn::Altri {
-    std::string terScri;
-    std::string note;
-    std::string nomiFoto = "******";
-    std::string attribDis;
+    struct Testi {
+        std::string terScri;
+        std::string note;
+        std::string nomiFoto = "******";
+        std::string attribDis;
+        bool operator==(const Testi&) const = default;
+    };
+
+    Altri() = default;
+    Altri(const Altri& other)
+        : identDescr(other.identDescr),
+          gisHandle(other.gisHandle),
+          testi(other.testi ? std::make_unique<Testi>(*other.testi) : nullptr) {}
+
+    static const Testi& NuoviTesti() {
+        static const Testi nuovi;
+        return nuovi;
+    }
+    const Testi& Testo() const { return testi ? *testi : NuoviTesti(); }
+    Testi& TestoDaScrivere() {
+        if (!testi) testi = std::make_unique<Testi>();
+        return *testi;
+    }
+
     int identDescr = -1;
     int gisHandle = 0;
+    std::unique_ptr<Testi> testi;  // null: as in a new entity
 };
 
 CEgn::CEgn() = default;
@@ -64,14 +88,14 @@ CEgn::Altri& CEgn::AltroDaScrivere() {
     return *altri_;
 }
 
-const std::string& CEgn::GetTerScri() const { return Altro().terScri; }
-void CEgn::SetTerScri(const std::string& terScri) { AltroDaScrivere().terScri = terScri; }
-const std::string& CEgn::GetNote() const { return Altro().note; }
-void CEgn::SetNote(const std::string& note) { AltroDaScrivere().note = note; }
-const std::string& CEgn::GetNomiFoto_Raw() const { return Altro().nomiFoto; }
-void CEgn::SetNomiFoto_Raw(const std::string& nomi) { AltroDaScrivere().nomiFoto = nomi; }
-const std::string& CEgn::GetAttribDis() const { return Altro().attribDis; }
-void CEgn::SetAttribDis(const std::string& attrib) { AltroDaScrivere().attribDis = attrib; }
+const std::string& CEgn::GetTerScri() const { return Altro().Testo().terScri; }
+void CEgn::SetTerScri(const std::string& terScri) { AltroDaScrivere().TestoDaScrivere().terScri = terScri; }
+const std::string& CEgn::GetNote() const { return Altro().Testo().note; }
+void CEgn::SetNote(const std::string& note) { AltroDaScrivere().TestoDaScrivere().note = note; }
+const std::string& CEgn::GetNomiFoto_Raw() const { return Altro().Testo().nomiFoto; }
+void CEgn::SetNomiFoto_Raw(const std::string& nomi) { AltroDaScrivere().TestoDaScrivere().nomiFoto = nomi; }
+const std::string& CEgn::GetAttribDis() const { return Altro().Testo().attribDis; }
+void CEgn::SetAttribDis(const std::string& attrib) { AltroDaScrivere().TestoDaScrivere().attribDis = attrib; }
 int CEgn::GetIdentDescr() const { return Altro().identDescr; }
 void CEgn::SetIdentDescr(int ident) { AltroDaScrivere().identDescr = ident; }
 int CEgn::GetGisHandle() const { return Altro().gisHandle; }
@@ -99,10 +123,11 @@ void CEgn::SalvaInFile(ofpstream& out) const {
         fields.WriteUChar(altri_ ? 1 : 0);
     }
     if (!altri_) return;
-    out.WriteString(altri_->terScri);
-    out.WriteString(altri_->note);
-    out.WriteString(altri_->nomiFoto);
-    out.WriteString(altri_->attribDis);
+    const Altri::Testi& testi = altri_->Testo();
+    out.WriteString(testi.terScri);
+    out.WriteString(testi.note);
+    out.WriteString(testi.nomiFoto);
+    out.WriteString(testi.attribDis);
     out.WriteInt(altri_->identDescr);
     out.WriteInt(altri_->gisHandle);
 }
@@ -120,10 +145,15 @@ void CEgn::LeggeDaFile(ifpstream& in) {
         return;
     }
     Altri& altri = AltroDaScrivere();
-    in.ReadString(altri.terScri);
-    in.ReadString(altri.note);
-    in.ReadString(altri.nomiFoto);
-    in.ReadString(altri.attribDis);
+    Altri::Testi testi;
+    in.ReadString(testi.terScri);
+    in.ReadString(testi.note);
+    in.ReadString(testi.nomiFoto);
+    in.ReadString(testi.attribDis);
+    if (testi == Altri::NuoviTesti())
+        altri.testi.reset();
+    else
+        altri.TestoDaScrivere() = std::move(testi);
     altri.identDescr = in.ReadInt();
     altri.gisHandle = in.ReadInt();
 }

@@ -60,6 +60,7 @@ void CloudModel::Copy(int item, int from) {
     At(item).alive = true;
     At(item).id = source.id;
     At(item).mask = source.mask;
+    At(item).since = source.mask;  // no commit of a table that adopts it holds these bits
     At(item).reporting = source.reporting;
 }
 
@@ -144,12 +145,31 @@ void CloudModel::Read(int item, long long id, std::uint32_t mask, std::uint32_t 
 }
 
 bool CloudModel::IsTicketFree(int item, long long ticket) {
+    return IsTicketFreeIn(At(item).table, item, ticket);
+}
+
+bool CloudModel::IsTicketFreeIn(int table, int item, long long ticket) {
     // Items that are known by their id may come back among the added ones: their tickets count, too.
     for (std::size_t other = 0; other < items_.size(); ++other)
-        if (static_cast<int>(other) != item && items_[other].alive && items_[other].table == At(item).table &&
+        if (static_cast<int>(other) != item && items_[other].alive && items_[other].table == table &&
             items_[other].ticket == ticket)
             return false;
     return true;
+}
+
+void CloudModel::Adopt(int table, int item) {
+    Item& it = At(item);
+    if (it.table != NONE) return;
+    it.table = table;
+    TableAt(table).tickets = std::max(TableAt(table).tickets, it.ticket);
+    if (it.id >= 1 && !IsHeldByOther(item)) {
+        EnterById(item);
+        if (it.mask != 0) TableAt(table).changed.insert(item);
+        return;
+    }
+    it.id = 0;
+    it.mask = it.since = 0;
+    EnterAdded(item);
 }
 
 // --- tables ------------------------------------------------------------------------------------------------
@@ -205,20 +225,34 @@ long long CloudModel::ParentId(int parent, int table, int counter) {
 
 // --- commits -----------------------------------------------------------------------------------------------
 
-bool CloudModel::Begin(int table) {
+bool CloudModel::Begin(int table, const std::set<int>& held) {
     Table& t = TableAt(table);
     if (t.sent) return false;
     t.sent.emplace();
     for (const int item : Added(table)) {
+        if (held.count(item) == 1) continue;
         t.sent->tickets.push_back(At(item).ticket);
         At(item).since = 0;
     }
     for (const int item : t.changed) {
+        if (held.count(item) == 1) continue;
         t.sent->masks[At(item).id] = At(item).mask;
         At(item).since = 0;
     }
     t.sent->deleted = t.deleted;
     return true;
+}
+
+void CloudModel::BeginAgain(int table) {
+    Table& t = TableAt(table);
+    if (!t.sent) return;
+    for (const int item : t.added)
+        for (const long long ticket : t.sent->tickets)
+            if (At(item).ticket == ticket) At(item).since = 0;
+    for (const auto& [id, mask] : t.sent->masks) {
+        const auto known = t.byId.find(id);
+        if (known != t.byId.end() && known->second != NONE) At(known->second).since = 0;
+    }
 }
 
 int CloudModel::ByTicket(int table, long long ticket) {

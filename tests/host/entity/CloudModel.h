@@ -65,6 +65,10 @@ public:
     void Read(int item, long long id, std::uint32_t mask, std::uint32_t since, long long ticket);
     bool IsTicketFree(int item, long long ticket);
 
+    /// Requires: no other item of the table has the item's ticket.
+    void Adopt(int table, int item);
+    bool IsTicketFreeIn(int table, int item, long long ticket);
+
     // --- tables ----------------------------------------------------------------------------------------
 
     void MakeTable(int table);
@@ -74,7 +78,10 @@ public:
     void DeletedLocally(int table, int item);
     long long ParentId(int parent, int table, int counter);
 
-    bool Begin(int table);
+    /// `held`: items that are kept out of it.
+    bool Begin(int table, const std::set<int>& held = {});
+    /// The commit under way is read from a journal, just as it is.
+    void BeginAgain(int table);
     bool ConfirmAdded(int table, const std::vector<long long>& ids, int devId);
     void ConfirmChanged(int table, const std::vector<long long>& ids);
     void ConfirmDeleted(int table);

@@ -1,13 +1,16 @@
 // Items and tables against a plain model of them, one random operation after the other.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <ostream>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "platform/base/ifpstream.h"
+#include "platform/base/ofpstream.h"
 #include "tests/Bytes.h"
 #include "tests/Scale.h"
 #include "tests/host/entity/CloudModel.h"
@@ -47,6 +50,7 @@ public:
 
     /// How often something worth testing came about: a test that never gets there proves nothing.
     long confirmed = 0, tombstones = 0, collisions = 0, changedSeen = 0, detached = 0, restored = 0;
+    long adopted = 0, heldBack = 0, reread = 0;
 
 private:
     static constexpr int kTables = 2;
@@ -64,7 +68,10 @@ private:
     void ReadRecord(int i);
     void TableLife(int t);
     void TableStep(int t, int i);
+    void Adopt(int t, int i);
     void CommitStep(int t);
+    void HoldAndBegin(int t);
+    void ReadCommit(int t);
     void CheckItems();
     void CheckTable(int t, bool order);
 
@@ -180,6 +187,7 @@ void Simulation::ReadRecord(int i) {
 
 void Simulation::TableStep(int t, int i) {
     Table& table = *TableAt(t);
+    if (model_.At(i).table == CloudModel::NONE) return Adopt(t, i);
     switch (Random(5)) {
         case 0:
         case 1:
@@ -209,9 +217,50 @@ void Simulation::TableStep(int t, int i) {
     }
 }
 
+void Simulation::Adopt(int t, int i) {
+    const long long ticket = model_.At(i).ticket;
+    if (ticket != 0 && !model_.IsTicketFreeIn(t, i, ticket)) return;
+    last_ = "adopt";
+    ++adopted;
+    TableAt(t)->Adopt(*At(i));
+    model_.Adopt(t, i);
+}
+
+void Simulation::HoldAndBegin(int t) {
+    last_ = "begin commit without some items";
+    std::vector<CCloudItem*> items;
+    std::set<int> held;
+    for (int i = 0; i < world_.items; ++i) {
+        if (!At(i) || !OneIn(5)) continue;
+        items.push_back(At(i).get());
+        held.insert(i);
+    }
+    std::shuffle(items.begin(), items.end(), random_);
+    Table& table = *TableAt(t);
+    heldBack += model_.TableAt(t).sent ? 0 : 1;
+    table.HoldBack(items);
+    const bool begun = table.BeginCommit();
+    table.ReleaseHeld();
+    ASSERT_EQ(begun, model_.Begin(t, held));
+}
+
+void Simulation::ReadCommit(int t) {
+    last_ = "read commit";
+    Table& table = *TableAt(t);
+    reread += table.IsCommitUnderWay() ? 1 : 0;
+    ofpstream out(1400);
+    table.SalvaCommit(out);
+    const std::string bytes(out.GetBytes());
+    ifpstream in(bytes.data(), bytes.size(), 1400);
+    table.LeggeCommit(in);
+    model_.BeginAgain(t);
+}
+
 void Simulation::CommitStep(int t) {
     Table& table = *TableAt(t);
     const auto& sent = model_.TableAt(t).sent;
+    if (OneIn(6)) return HoldAndBegin(t);
+    if (OneIn(6)) return ReadCommit(t);
     switch (Random(6)) {
         case 0:
         case 1:
@@ -339,6 +388,9 @@ TEST_P(CloudRandom, OperationsDoWhatTheModelDoes) {
     EXPECT_GT(simulation.changedSeen, operations / 1000);
     EXPECT_GT(simulation.detached, 0);
     EXPECT_GT(simulation.restored, operations / 1000);
+    EXPECT_GT(simulation.adopted, operations / 1000);
+    EXPECT_GT(simulation.heldBack, operations / 1000);
+    EXPECT_GT(simulation.reread, operations / 1000);
 }
 
 INSTANTIATE_TEST_SUITE_P(, CloudRandom,

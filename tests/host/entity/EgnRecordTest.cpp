@@ -108,6 +108,20 @@ TEST(EgnRecord, OneRareValueBringsTheDefaultsOfTheOthers) {
               Dump(Bytes().U8(1).Text("").Text("n").Text("******").Text("").I32(-1).I32(0).Get()));
 }
 
+TEST(EgnRecord, DescriptorAloneBringsTheDefaultsOfTheTexts) {
+    CEgn egn;
+    egn.SetIdentDescr(0);
+    const std::string bytes = Record(egn);
+    EXPECT_EQ(Dump(bytes.substr(40)),
+              Dump(Bytes().U8(1).Text("").Text("").Text("******").Text("").I32(0).I32(0).Get()));
+    CEgn read;
+    FillRare(read);
+    ASSERT_TRUE(Read(read, bytes));
+    EXPECT_EQ(read.GetTerScri() + read.GetNote() + read.GetAttribDis(), "") << "texts of before are gone";
+    EXPECT_EQ(read.GetNomiFoto_Raw(), "******");
+    EXPECT_EQ(Dump(Record(read)), Dump(bytes));
+}
+
 TEST(EgnRecord, ComesBackWhole) {
     CEgn egn;
     FillCommon(egn);

@@ -64,6 +64,25 @@ TEST(Egn, KeepsWhatIsStored) {
     ExpectFilled(entity);
 }
 
+TEST(Egn, CopiesShareNeitherTextsNorNumbers) {
+    CEgn entity, descriptor;
+    Fill(entity);
+    descriptor.SetIdentDescr(8);
+    CEgn copy(entity), assigned(descriptor);
+    assigned = entity;
+    copy.SetNote("another");
+    copy.SetIdentDescr(9);
+    assigned.SetTerScri("another");
+    ExpectFilled(entity);
+    EXPECT_EQ(assigned.GetNote(), "a note");
+    EXPECT_EQ(assigned.GetIdentDescr(), 4);
+    assigned = descriptor;
+    EXPECT_EQ(assigned.GetIdentDescr(), 8);
+    EXPECT_EQ(assigned.GetNote(), "");
+    assigned.SetNote("mine");
+    EXPECT_EQ(descriptor.GetNote(), "");
+}
+
 TEST(Egn, ResetIsANewEntity) {
     CEgn entity;
     Fill(entity);
