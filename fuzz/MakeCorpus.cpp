@@ -1,4 +1,5 @@
 // Makes the inputs that the targets begin with: fuzz_corpus FOLDER writes FOLDER/<target>/<name>.
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -7,6 +8,8 @@
 #include <string>
 
 #include "fuzz/Fuzz.h"
+#include "gps/cloud/CGpsBaseCloudTable.h"
+#include "gps/cloud/CGpsPntCloudTable.h"
 #include "gps/model/CLibGps.h"
 #include "gps/options/COpzPostProc.h"
 #include "host/base/JournalWriter.h"
@@ -14,6 +17,7 @@
 #include "platform/coord/CLibMap.h"
 #include "tests/MemoryFile.h"
 #include "tests/gps/persist/RandomBook.h"
+#include "tests/host/cloud/Records.h"
 
 namespace {
 
@@ -207,6 +211,52 @@ void AddStations(Corpus& corpus) {
     corpus.Add("stations", "other_order", "\xEF\xBB\xBF# no more\n\nframe,Z_m,Y,x,id4,z\nx,1,2,3,a,5\n");
 }
 
+// Steps of the reply target: the items of a book as replies under new and known ids, edits and deletions.
+void AddReplies(Corpus& corpus) {
+    for (unsigned seed = 0; seed <= 8; ++seed) {
+        Book book;
+        if (seed == 0)
+            FillSmall(book.lib);
+        else
+            test::RandomBook(seed).Fill(book.lib, book.map);
+        CGpsBaseCloudTable bases;
+        CGpsPntCloudTable points(&bases);
+        std::string steps;
+        const auto add = [&](char what, const std::string& head, const vex::String& fields) {
+            std::string line = what + head + ";" + std::string(fields.View());
+            std::replace(line.begin(), line.end(), '\n', ' ');
+            steps += line + "\n";
+        };
+        for (int g = 0; g < book.lib.GetGrpArSize() && g < 4; ++g) {
+            vex::String fields;
+            bases.GetFields(*book.lib.GetGrpAt(g), 0x1FFF, fields);
+            add('g', std::to_string(1 + 10 * g) + ";7", fields);
+            for (int p = 0; p < book.lib.GetPunArSize(g) && p < 4; ++p) {
+                points.GetFields(*book.lib.GetPunAt(g, p), 0x1FFFF, fields);
+                add('p', std::to_string(2 + 10 * g + p) + ";" + std::to_string(1 + 10 * g), fields);
+            }
+        }
+        const std::string name = seed == 0 ? "small" : "random-" + std::to_string(seed);
+        corpus.Add("reply", name, steps);
+        corpus.Add("reply", name + "-edited", "e0;4097\ne1;65553\n" + steps + "e2;3\n" + steps);
+        corpus.Add("reply", name + "-deleted", "d1\n" + steps + "P;2\nG;11\nG;1\nd0\n" + steps);
+    }
+}
+
+// Commits: every kind of record, as it should be and wrong.
+void AddCommits(Corpus& corpus) {
+    const std::string conversion = test::Conversion("Lib2;1;1;2;3;4;5;6;7;40;10", "4;M;0;0;0;0;0;0;0;0;1;2");
+    corpus.Add("commit", "added",
+               test::Records({test::Group("B3", conversion), test::Point(-1), test::Point(1)}));
+    corpus.Add("commit", "short", test::Records({test::Group("B3", test::Conversion("")), test::Point(-7)}));
+    corpus.Add("commit", "changed",
+               test::Records({"UBAS;1;8191;" + test::GroupFields("B") + ";" + conversion,
+                              "UPTGPS;2;131071;" + test::PointFields("P"), "UPTGPS;2;1;Q", "UBAS;3;16;S"}));
+    corpus.Add("commit", "deleted", "DEL;3;1\r\nDEL;4;2\r\nDEL;4;4\r\nUPTGPS;4;1;P\r\nDEL;3;9");
+    corpus.Add("commit", "wrong",
+               "UBAS;0;1;B\r\nUPTGPS;2;0\r\nIBAS;x\r\nIPTGPS;1;NULLVAL;-inf;nan\r\n\r\nX;1");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -222,5 +272,7 @@ int main(int argc, char** argv) {
     AddJournals(corpus);
     AddContainers(corpus);
     AddStations(corpus);
+    AddCommits(corpus);
+    AddReplies(corpus);
     return corpus.IsGood() ? 0 : 1;
 }
