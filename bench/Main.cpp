@@ -34,7 +34,8 @@ void Register(const Work& work, const std::vector<std::size_t>& counts) {
 void RegisterCases() {
     for (const auto& list :
          {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios(), SectionRatios(), StoreRatios(),
-          SaveRatios(), ExchangeRatios(), JournalRatios(), SearchRatios(), StationRatios()})
+          SaveRatios(), ExchangeRatios(), JournalRatios(), SearchRatios(), StationRatios(), SyncStoreRatios(),
+          SyncDeviceRatios(), CloudRecordRatios(), CloudReplyRatios()})
         for (const Ratio& r : list) {
             Register(r.subject, r.counts);
             Register(r.peer, r.counts);

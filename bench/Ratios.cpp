@@ -119,7 +119,8 @@ bool RunRatios(bool small, const std::string& prefix) {
     bool all = true;
     for (const auto& list :
          {RecomputeRatios(), MakeRatios(), SetterRatios(), PositionRatios(), SectionRatios(), StoreRatios(),
-          SaveRatios(), ExchangeRatios(), JournalRatios(), SearchRatios(), StationRatios()})
+          SaveRatios(), ExchangeRatios(), JournalRatios(), SearchRatios(), StationRatios(), SyncStoreRatios(),
+          SyncDeviceRatios(), CloudRecordRatios(), CloudReplyRatios()})
         for (const Ratio& r : list)
             if (r.name.starts_with(prefix)) all = RunRatio(r, small) && all;
     for (const auto& list : {MakeFigures(), NmeaFigures(), LoadFigures(), JournalFigures()})
