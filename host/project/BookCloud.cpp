@@ -24,7 +24,14 @@ constexpr std::string_view kLineEnd = "\r\n";
 /// One record of a commit, as far as it has to be known again when it is answered.
 struct SentRecord {
     std::string_view tag, second, third;
+    std::string_view name;  // of a new item, as people call it
 };
+
+// A group goes by its group name, and by that of its entity when it has none.
+constexpr int kGroupName = 7;  // place in an add record; one more in a reply
+std::string_view GroupName(std::string_view groupName, std::string_view entityName) {
+    return groupName.empty() ? entityName : groupName;
+}
 
 // Texts with separators are never sent: fields are what stands between the separators.
 template <class Visit>
@@ -44,6 +51,11 @@ void ForEachRecord(std::string_view records, Visit visit) {
         record.tag = next();
         record.second = next();
         record.third = next();
+        record.name = record.third;
+        if (record.tag == "IBAS") {
+            for (int i = 3; i < kGroupName; ++i) next();
+            record.name = GroupName(next(), record.second);
+        }
         visit(++number, record);
     }
 }
@@ -70,7 +82,27 @@ std::string Joined(const std::vector<vex::String>& fields, const FieldGroup& gro
 
 std::string AuthorOf(const PullPage& page, std::int32_t device) {
     const auto found = page.authors.find(device);
-    return found == page.authors.end() ? "device " + std::to_string(device) : found->second;
+    const bool named = found != page.authors.end() && !found->second.empty();
+    return named ? found->second : "device " + std::to_string(device);
+}
+
+/// Of the item that a reply is about, which has all its fields.
+std::string NameIn(const CloudReply& reply) {
+    const std::string_view name = reply.fields[2].View();
+    if (reply.kind == CloudKind::point) return std::string(name);
+    return std::string(GroupName(reply.fields[kGroupName + 1].View(), name));
+}
+
+void AddTo(std::vector<CloudConflict>& conflicts, int& last, CloudConflict conflict) {
+    // Of the same field the newest is what there is to decide. What was kept stays, each for itself.
+    std::erase_if(conflicts, [&](const CloudConflict& other) {
+        return other.kind == conflict.kind && other.clash.kind == conflict.clash.kind &&
+               other.clash.id == conflict.clash.id && other.clash.bit == conflict.clash.bit &&
+               other.record == conflict.record;
+    });
+    conflict.number = last + 1;
+    conflicts.push_back(std::move(conflict));
+    ++last;
 }
 
 /// The id that a reply is about; 0: it has none.
@@ -87,6 +119,15 @@ std::int64_t IdOf(const CloudReply& reply) {
     return IdOf(text);
 }
 
+/// Texts that no record carries: they are nowhere but here.
+bool HasOwnTexts(const CEgn& entity) {
+    const std::string& photos = entity.GetNomiFoto_Raw();
+    return !entity.GetNote().empty() || !entity.GetTerScri().empty() || !entity.GetAttribDis().empty() ||
+           (!photos.empty() && photos != "******");
+}
+
+bool IsUnconfirmed(const CPunGps& point) { return point.GetCloudFlag() != 0 || HasOwnTexts(point); }
+
 }  // namespace
 
 BookCloud::BookCloud(CloudTables& tables, CLibGps& book, BookEdits& edits)
@@ -96,6 +137,11 @@ BookCloud::BookCloud(CloudTables& tables, CLibGps& book, BookEdits& edits)
 }
 
 void BookCloud::Link(const CloudLink& link) {
+    // A damaged file may have left something in them.
+    tables_.base = CGpsBaseCloudTable();
+    tables_.points = CGpsPntCloudTable(&tables_.base);
+    tables_.base.SetOwner(&book_);
+    tables_.points.SetOwner(&book_);
     for (int g = 0; g < book_.GetGrpArSize(); ++g) {
         book_.GetGrpAt(g)->SetCloudId(0);
         tables_.base.Adopt(*book_.GetGrpAt(g));
@@ -122,7 +168,10 @@ bool BookCloud::HasToSend() {
 
 bool BookCloud::BeginCommit(const std::string& id) {
     if (!IsLinked() || state_.commit || !HasToSend()) return false;
-    CloudCommit commit{id, state_.revision, {}};
+    // What a damaged journal, or want of memory, may have left in the tables is not what this one sends.
+    tables_.base.EndCommit();
+    tables_.points.EndCommit();
+    CloudCommit commit{id, state_.revision, state_.head, state_.own, {}};
     {
         const Holding holding(tables_, FindHeld(book_, tables_));
         if (!HasToSend()) return false;
@@ -181,10 +230,21 @@ void BookCloud::Answered(const CommitAnswer& answer, int device) {
         else if (record.tag == "DEL")
             refusal.id = IdOf(record.third);
         else
-            refusal.name = group ? record.second : record.third;
+            refusal.name = record.name;
         refusals.push_back(std::move(refusal));
     });
 
+    std::vector<CloudConflict> conflicts = state_.conflicts;
+    int lastConflict = state_.lastConflict;
+    for (const CloudClash& clash : answer.clashes) {
+        CloudConflict conflict;
+        conflict.kind = clash.bit == 0 ? CloudConflict::Kind::deletedHere : CloudConflict::Kind::field;
+        conflict.clash = clash;
+        AddTo(conflicts, lastConflict, std::move(conflict));
+    }
+    state_.own.reserve(state_.own.size() + 1);
+
+    // Confirmed twice is confirmed once: when memory ends in between, the answer can be taken again.
     const auto firstPoint = answer.ids.begin() + static_cast<std::ptrdiff_t>(tables_.base.GetSentAdded());
     tables_.base.ConfirmAdded({answer.ids.begin(), firstPoint}, device);
     tables_.points.ConfirmAdded({firstPoint, answer.ids.end()}, device);
@@ -192,15 +252,12 @@ void BookCloud::Answered(const CommitAnswer& answer, int device) {
     tables_.points.ConfirmChanged(points);
     tables_.base.ConfirmDeleted();
     tables_.points.ConfirmDeleted();
+
+    // Nothing fails from here on.
     tables_.base.EndCommit();
     tables_.points.EndCommit();
-
-    for (const CloudClash& clash : answer.clashes) {
-        CloudConflict conflict;
-        conflict.kind = clash.bit == 0 ? CloudConflict::Kind::deletedHere : CloudConflict::Kind::field;
-        conflict.clash = clash;
-        AddConflict(std::move(conflict));
-    }
+    state_.conflicts = std::move(conflicts);
+    state_.lastConflict = lastConflict;
     state_.refusals = std::move(refusals);
     if (answer.revision > 0) state_.own.push_back(answer.revision);
     state_.commit.reset();
@@ -209,8 +266,10 @@ void BookCloud::Answered(const CommitAnswer& answer, int device) {
 // --- what others did -------------------------------------------------------------------------------------
 
 PullRequest BookCloud::GetPullRequest() const {
-    const bool again = state_.again >= 0 && state_.again < state_.revision;
-    return {again ? state_.again : state_.revision, state_.own, 0, {}};
+    if (state_.again < 0) return {state_.revision, state_.head, state_.own, 0, {}};
+    // What came in from a copy, or is lost here, may be what this book itself did or deleted since.
+    if (state_.again < state_.revision) return {state_.again, {}, {}, 0, {}};
+    return {state_.revision, state_.head, {}, 0, {}};
 }
 
 void BookCloud::PullAgainFrom(std::int64_t revision) {
@@ -218,29 +277,49 @@ void BookCloud::PullAgainFrom(std::int64_t revision) {
 }
 
 BookCloud::Taken BookCloud::TakePage(const PullPage& page) {
-    Edit edit(edits_);
-    edits_.NoteCloud(kPageTaken, [&](ofpstream& out) { WritePage(out, page); });
-    const Taken taken = Apply(page);
-    edit.Done();  // not for a page that does not fit: it would not fit at the next opening either
-    return taken;
+    Taken taken;
+    const bool nothing = page.replies.empty() && page.last && page.upTo == state_.revision &&
+                         page.head == state_.head && state_.own.empty() && state_.again < 0;
+    if (nothing) return taken;
+    std::size_t done = 0;
+    try {
+        Edit edit(edits_);
+        edits_.NoteCloud(kPageTaken, [&](ofpstream& out) { WritePage(out, page); });
+        Apply(page, taken, done);
+        edit.Done();
+        return taken;
+    } catch (...) {
+        // A page that does not fit would not fit at the next opening either. What came before stands in the
+        // book, and later edits build on it.
+        if (done > 0) {
+            PullPage part = page;
+            part.last = false;
+            part.replies.resize(done);
+            Edit edit(edits_);
+            edits_.NoteCloud(kPageTaken, [&](ofpstream& out) { WritePage(out, part); });
+            edit.Done();
+        }
+        throw;
+    }
 }
 
-BookCloud::Taken BookCloud::Apply(const PullPage& page) {
-    Taken taken;
+void BookCloud::Apply(const PullPage& page, Taken& taken, std::size_t& done) {
     for (const CloudReply& reply : page.replies) {
         const std::string author = AuthorOf(page, reply.device);
         if (reply.deleted)
             ApplyDeletion(reply, author, page.upTo, taken);
         else
             ApplyEdit(reply, author, page.upTo, taken);
+        ++done;
+        book_.SetModifiedFlag(true);
     }
     if (page.last) {
         state_.revision = page.upTo;
+        state_.head = page.head;
         state_.again = -1;
         std::erase_if(state_.own, [&](std::int64_t revision) { return revision <= page.upTo; });
     }
     book_.SetModifiedFlag(true);
-    return taken;
 }
 
 void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, std::int64_t revision,
@@ -249,64 +328,85 @@ void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, st
     CCloudTable& table = TableOf(reply.kind);
     CCloudItem* item = nullptr;
     const bool known = id > 0 && table.FindItem(id, item);
-    if (item && item->GetCloudFlag() != 0) {
-        // The local value stays: what the other one set is worth telling where it differs.
-        vex::String mine;
-        for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
-            if ((item->GetCloudFlag() & fields.bit) == 0) continue;
-            FieldsOf(reply.kind, *item, fields.bit, mine);
-            std::string theirs = Joined(reply.fields, fields);
-            if (mine.View() == theirs) continue;
-            CloudConflict conflict;
-            conflict.clash = {reply.kind,
-                              id,
-                              std::string(reply.fields[2].View()),
-                              fields.bit,
-                              std::string(mine.View()),
-                              std::move(theirs),
-                              reply.device,
-                              author,
-                              revision};
-            AddConflict(std::move(conflict));
-            ++taken.conflicts;
-        }
-    }
     // What was deleted here, and the server does not know it yet.
     const auto tellDeletedHere = [&] {
         CloudConflict conflict;
         conflict.kind = CloudConflict::Kind::deletedHere;
         conflict.clash.kind = reply.kind;
         conflict.clash.id = id;
-        conflict.clash.name = reply.fields[2].View();
+        conflict.clash.name = NameIn(reply);
         conflict.clash.device = reply.device;
         conflict.clash.author = author;
         conflict.clash.revision = revision;
         AddConflict(std::move(conflict));
         ++taken.conflicts;
     };
-    if (table.UpdateSuccessful_Edit(reply.fields)) {
-        if (known && !item) return tellDeletedHere();
-        ++(reply.kind == CloudKind::group ? taken.groups : taken.points);
-        return;
+    // What this book would send itself is there already, and more exactly: a reply holds covariances up to 1
+    // and types of 0 or 1.
+    if (item && item->GetCloudFlag() == 0 && IsAsHere(reply, *item)) return;
+    if (id < 1 || !table.UpdateSuccessful_Edit(reply.fields)) {
+        // A new point of a group that was deleted here: the deletion is still to be sent, and takes the
+        // point.
+        if (id > 0 && reply.kind == CloudKind::point) {
+            CloudReply parent = reply;
+            std::swap(parent.fields[0], parent.fields[1]);
+            if (CCloudItem* group = nullptr; tables_.base.FindItem(IdOf(parent), group) && !group)
+                return tellDeletedHere();
+        }
+        RefuseReply(reply);
     }
-    // A new point of a group that was deleted here: the deletion is still to be sent, and takes the point.
-    if (id > 0 && reply.kind == CloudKind::point) {
-        CloudReply parent = reply;
-        std::swap(parent.fields[0], parent.fields[1]);
-        if (CCloudItem* group = nullptr; tables_.base.FindItem(IdOf(parent), group) && !group)
-            return tellDeletedHere();
+    if (known && !item) return tellDeletedHere();
+    ++(reply.kind == CloudKind::group ? taken.groups : taken.points);
+    if (!item) return;
+    // Local values that wait have stayed: what the other one set is worth telling where it differs.
+    vex::String mine;
+    for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
+        if ((item->GetCloudFlag() & fields.bit) == 0) continue;
+        FieldsOf(reply.kind, *item, fields.bit, mine);
+        std::string theirs = Joined(reply.fields, fields);
+        if (mine.View() == theirs) continue;
+        CloudConflict conflict;
+        conflict.clash = {
+            reply.kind,        id,           NameIn(reply), fields.bit, std::string(mine.View()),
+            std::move(theirs), reply.device, author,        revision};
+        AddConflict(std::move(conflict));
+        ++taken.conflicts;
     }
-    throw ProjectError(
-        ProjectError::Kind::damaged,
-        book_.GetNomeFile() + ": the server sent a " + (reply.kind == CloudKind::group ? "group" : "point") +
-            " (id " + std::to_string(id) + ") that does not fit the book; nothing behind it was taken over");
+}
+
+bool BookCloud::IsAsHere(const CloudReply& reply, CCloudItem& item) {
+    vex::String here;
+    constexpr std::uint32_t all = ~std::uint32_t{0};
+    FieldsOf(reply.kind, item, all, here);
+    std::string_view left = here.View();
+    for (std::size_t i = 2; i < reply.fields.size(); ++i) {
+        const std::string_view field = reply.fields[i].View();
+        if (!left.starts_with(field)) return false;
+        left.remove_prefix(field.size());
+        const bool last = i + 1 == reply.fields.size();
+        if (last ? !left.empty() : !left.starts_with(';')) return false;
+        if (!last) left.remove_prefix(1);
+    }
+    return true;
+}
+
+void BookCloud::RefuseReply(const CloudReply& reply) const {
+    const char* what = reply.deleted ? "deletion" : reply.kind == CloudKind::group ? "group" : "point";
+    throw ProjectError(ProjectError::Kind::damaged, book_.GetNomeFile() + ": the server sent a " + what +
+                                                        " (id " + std::to_string(IdOf(reply)) +
+                                                        ") that does not fit the book; nothing behind it was "
+                                                        "taken over");
 }
 
 bool BookCloud::HasUnconfirmed(int g) const {
-    if (book_.GetGrpAt(g)->GetCloudFlag() != 0) return true;
+    const CGrpGps& group = *book_.GetGrpAt(g);
+    if (group.GetCloudFlag() != 0 || HasOwnTexts(group)) return true;
+    if (!group.GetOper().empty() || !group.GetStrum().empty() || !group.GetData().empty() ||
+        !group.GetLocalita().empty())
+        return true;
     for (int p = 0; p < book_.GetPunArSize(g); ++p) {
         const CPunGps& point = *book_.GetPunAt(g, p);
-        if (point.GetCloudId() < 1 || point.GetCloudFlag() != 0) return true;
+        if (point.GetCloudId() < 1 || IsUnconfirmed(point)) return true;
     }
     return false;
 }
@@ -316,7 +416,8 @@ void BookCloud::ApplyDeletion(const CloudReply& reply, const std::string& author
     const std::int64_t id = IdOf(reply);
     CCloudTable& table = TableOf(reply.kind);
     CCloudItem* item = nullptr;
-    if (id < 1 || !table.FindItem(id, item)) return;  // it went with its group, or was never here
+    if (id < 1) RefuseReply(reply);
+    if (!table.FindItem(id, item)) return;  // it went with its group, or was never here
     if (item) {
         CloudConflict conflict;
         conflict.kind = CloudConflict::Kind::kept;
@@ -337,7 +438,7 @@ void BookCloud::ApplyDeletion(const CloudReply& reply, const std::string& author
             }
         } else {
             CPunGps* point = static_cast<CPunGps*>(item);
-            if (point->GetCloudFlag() != 0 && book_.GetIndiciDiPun(point, g, p)) {
+            if (IsUnconfirmed(*point) && book_.GetIndiciDiPun(point, g, p)) {
                 conflict.clash.name = point->GetNome();
                 conflict.group = book_.GetGrpAt(g)->GetNomeGrp();
                 conflict.groupId = book_.GetGrpAt(g)->GetCloudId();
@@ -358,15 +459,7 @@ void BookCloud::ApplyDeletion(const CloudReply& reply, const std::string& author
 // --- conflicts -------------------------------------------------------------------------------------------
 
 void BookCloud::AddConflict(CloudConflict conflict) {
-    if (conflict.kind != CloudConflict::Kind::kept) {
-        // Of the same field the newest is what there is to decide.
-        std::erase_if(state_.conflicts, [&](const CloudConflict& other) {
-            return other.kind == conflict.kind && other.clash.kind == conflict.clash.kind &&
-                   other.clash.id == conflict.clash.id && other.clash.bit == conflict.clash.bit;
-        });
-    }
-    conflict.number = ++state_.lastConflict;
-    state_.conflicts.push_back(std::move(conflict));
+    AddTo(state_.conflicts, state_.lastConflict, std::move(conflict));
 }
 
 const CloudConflict* BookCloud::FindConflict(int number) const {
@@ -396,7 +489,16 @@ void BookCloud::LeggeDaFile(ifpstream& in) {
     ReadCloudState(in, state_);
     tables_.base.LeggeStato(in);
     tables_.points.LeggeStato(in);
-    tables_.Link();
+}
+
+void BookCloud::GoOnAsRead() { tables_.Link(); }
+
+void BookCloud::ItemsWereLost() {
+    if (!IsLinked()) return;
+    PullAgainFrom(0);
+    state_.commit.reset();
+    tables_.base.EndCommit();
+    tables_.points.EndCommit();
 }
 
 std::string BookCloud::Replay(int code, ifpstream& in) {
@@ -404,9 +506,12 @@ std::string BookCloud::Replay(int code, ifpstream& in) {
     switch (code) {
         case kCommitBegun:
             if (state_.commit) return "a commit begins, and the one before is not answered";
-            state_.commit = ReadCommit(in);
-            tables_.base.LeggeCommit(in);
-            tables_.points.LeggeCommit(in);
+            {
+                CloudCommit commit = ReadCommit(in);
+                tables_.base.LeggeCommit(in);
+                tables_.points.LeggeCommit(in);
+                state_.commit = std::move(commit);
+            }
             return "";
         case kCommitAnswered: {
             const int device = in.ReadInt();
@@ -419,7 +524,9 @@ std::string BookCloud::Replay(int code, ifpstream& in) {
         }
         case kPageTaken:
             try {
-                Apply(ReadPage(in));
+                Taken taken;
+                std::size_t done = 0;
+                Apply(ReadPage(in), taken, done);
             } catch (const ProjectError& e) {
                 return e.what();
             }

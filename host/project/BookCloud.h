@@ -68,7 +68,7 @@ public:
     /// Takes a page of what others changed. A field that waits to be sent keeps its value and becomes a
     /// conflict; what is deleted and holds something unconfirmed is kept as a conflict first.
     /// Requires: no commit is under way. Errors: ProjectError (damaged) for a page with a reply that cannot
-    /// be applied; those before it are.
+    /// be applied; those before it are, and the revision stays.
     Taken TakePage(const PullPage& page);
 
     /// A conflict is settled. False: there is none of that number.
@@ -77,19 +77,30 @@ public:
 
     // --- for Project ---------------------------------------------------------------------------------
 
-    /// The section of the project file; nothing is linked by an empty one. Read before the book.
+    /// The section of the project file. Read before the book.
     void SalvaInFile(ofpstream& out) const;
     void LeggeDaFile(ifpstream& in);
+
+    /// The section was whole: the book is linked. With a damaged one it is not, for ids and tickets that are
+    /// not certain could land on other items.
+    void GoOnAsRead();
+
+    /// Groups or points of the file could not be read: the next pull brings again what the server has of
+    /// them. An unanswered commit is given up. Its answer would take the lost ones for deleted here, and
+    /// delete them for everybody; now what it added may be there twice.
+    void ItemsWereLost();
 
     /// Repeats one of the edits above from the journal. Empty, or what is wrong with it.
     std::string Replay(int code, ifpstream& in);
 
 private:
     void Answered(const CommitAnswer& answer, int device);
-    Taken Apply(const PullPage& page);
+    void Apply(const PullPage& page, Taken& taken, std::size_t& done);
     void ApplyEdit(const CloudReply& reply, const std::string& author, std::int64_t revision, Taken& taken);
     void ApplyDeletion(const CloudReply& reply, const std::string& author, std::int64_t revision,
                        Taken& taken);
+    [[noreturn]] void RefuseReply(const CloudReply& reply) const;
+    bool IsAsHere(const CloudReply& reply, CCloudItem& item);
     bool HasUnconfirmed(int g) const;
     void AddConflict(CloudConflict conflict);
     CCloudTable& TableOf(CloudKind kind);

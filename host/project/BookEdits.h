@@ -24,6 +24,7 @@ namespace gpsproject {
 class BookEdits {
 public:
     explicit BookEdits(CLibGps& book) : book_(book) {}
+    ~BookEdits() = default;
     BookEdits(const BookEdits&) = delete;
     BookEdits& operator=(const BookEdits&) = delete;
 

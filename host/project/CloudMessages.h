@@ -17,7 +17,9 @@ enum class CloudKind : std::uint8_t { group = 3, point = 4 };
 struct CloudCommit {
     std::string id;             // random, made by the book: 32 hexadecimal digits
     std::int64_t revision = 0;  // up to which the book has taken what others changed
-    std::string records;        // "\r\n" between two
+    std::string head;  // the commit that became this revision, as the book knows it; empty: it does not
+    std::vector<std::int64_t> own;  // later revisions that are the book's own
+    std::string records;            // "\r\n" between two
 
     bool operator==(const CloudCommit&) const = default;
 };
@@ -67,6 +69,7 @@ struct CloudReply {
 
 struct PullRequest {
     std::int64_t revision = 0;      // what is newer is wanted
+    std::string head;               // as in a commit; empty: it is not known
     std::vector<std::int64_t> own;  // but not what was changed only by these later revisions: the book's own
     std::int64_t upTo = 0;          // as the page before told; 0: this is the first
     std::string next;               // as the page before told
@@ -75,6 +78,7 @@ struct PullRequest {
 /// A part of what is newer: first groups, then points, then deletions.
 struct PullPage {
     std::int64_t upTo = 0;  // the book has this revision when it has taken the last page
+    std::string head;       // the commit that became this revision; empty: there is none yet
     bool last = true;
     std::string next;  // where the next page begins
     std::vector<CloudReply> replies;

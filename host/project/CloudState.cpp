@@ -84,6 +84,8 @@ CloudConflict ReadConflict(ifpstream& in) {
 void WriteCommit(ofpstream& out, const CloudCommit& commit) {
     out.WriteString(commit.id);
     out.WriteInt64(commit.revision);
+    out.WriteString(commit.head);
+    WriteList(out, commit.own, [&](std::int64_t revision) { out.WriteInt64(revision); });
     out.WriteString(commit.records);
 }
 
@@ -91,6 +93,8 @@ CloudCommit ReadCommit(ifpstream& in) {
     CloudCommit commit;
     commit.id = in.ReadString();
     commit.revision = in.ReadInt64();
+    commit.head = in.ReadString();
+    ReadList(in, commit.own, [&] { return in.ReadInt64(); });
     commit.records = in.ReadString();
     return commit;
 }
@@ -123,6 +127,7 @@ CommitAnswer ReadAnswer(ifpstream& in) {
 
 void WritePage(ofpstream& out, const PullPage& page) {
     out.WriteInt64(page.upTo);
+    out.WriteString(page.head);
     out.WriteUChar(page.last ? 1 : 0);
     out.WriteString(page.next);
     WriteList(out, page.replies, [&](const CloudReply& reply) {
@@ -140,6 +145,7 @@ void WritePage(ofpstream& out, const PullPage& page) {
 PullPage ReadPage(ifpstream& in) {
     PullPage page;
     page.upTo = in.ReadInt64();
+    page.head = in.ReadString();
     page.last = in.ReadUChar() != 0;
     page.next = in.ReadString();
     ReadList(in, page.replies, [&] {
@@ -164,6 +170,7 @@ void WriteCloudState(ofpstream& out, const CloudState& state) {
     out.WriteString(state.link.project);
     out.WriteString(state.link.key);
     out.WriteInt64(state.revision);
+    out.WriteString(state.head);
     WriteList(out, state.own, [&](std::int64_t revision) { out.WriteInt64(revision); });
     out.WriteInt64(state.again);
     out.WriteUChar(state.commit ? 1 : 0);
@@ -183,9 +190,11 @@ void ReadCloudState(ifpstream& in, CloudState& state) {
     state.link.project = in.ReadString();
     state.link.key = in.ReadString();
     state.revision = in.ReadInt64();
+    state.head = in.ReadString();
     ReadList(in, state.own, [&] { return in.ReadInt64(); });
     state.again = in.ReadInt64();
     if (in.ReadUChar() != 0) state.commit = ReadCommit(in);
+    if (!in.IsOk()) state.commit.reset();  // half a commit is none
     state.lastConflict = in.ReadInt();
     ReadList(in, state.conflicts, [&] { return ReadConflict(in); });
     ReadList(in, state.refusals, [&] {

@@ -78,7 +78,10 @@ void TakeTheirs(Project& project, int number) {
     BookEdits& edits = project.GetEdits();
     Edit edit(edits);
     if (group) {
-        tables.base.SetFields(*book.GetGrpAt(g), clash.bit, texts.data());
+        CGrpGps& its = *book.GetGrpAt(g);
+        tables.base.SetFields(its, clash.bit, texts.data());
+        // A datum of the map library is part of it, and reports nothing.
+        if (clash.bit == CHG_GRP_CONVCOORD) its.CloudItemChanged(clash.bit);
         edits.GroupChanged(g);
         if (clash.bit == CHG_GRP_CONVCOORD) edits.MapChanged();  // its datums are the library's
     } else {

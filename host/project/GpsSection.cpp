@@ -138,6 +138,12 @@ void ReadSection(const std::string& file, short version, Project& into) {
         throw ProjectError(Kind::tooNew, file + ": there is no version " + std::to_string(version) +
                                              " of the section here; give one from 1 to " +
                                              std::to_string(Project::kNewestVersion));
+    // Its records carry ids of whatever project it was shared through: they could name anything in this one.
+    if (into.GetCloud().IsLinked())
+        throw ProjectError(Kind::notHeld,
+                           file +
+                               ": cannot be read into a book that belongs to a shared project; "
+                               "read it into a book of its own, and import that book");
     FileOperations& files = into.GetFiles();
     OwnedFile opened(files);
     FileOperations::Facts facts;

@@ -15,8 +15,8 @@ void WriteSection(Project& project, const std::string& file, short version, bool
 
 /// Reads such a file into a project: options, and groups behind those that are there. From version 1004 the
 /// map library is not in it, and that of the project stays.
-/// Errors: ProjectError: notFound, tooNew, damaged (with group, point and byte), system; the project is then
-/// as it was.
+/// Errors: ProjectError: notHeld (a project that is shared), notFound, tooNew, damaged (with group, point and
+/// byte), system; the project is then as it was.
 void ReadSection(const std::string& file, short version, Project& into);
 
 }  // namespace gpsproject

@@ -15,7 +15,11 @@ std::string Named(const char* what, std::string_view text) {
     return why.empty() ? why : std::string(what) + " " + why;
 }
 
-std::string DatumNames(CConvCoord& conversion) {
+std::string WhyHeld(CConvCoord& conversion) {
+    if (conversion.GetConvLocal()->GetProiezPla().IsDefinizioneText() ||
+        conversion.GetConvAltez()->GetProiezPla().IsDefinizioneText())
+        return "the conversion's projection is defined by a text, of which a record has no place; give it by "
+               "its EPSG code";
     std::string why = Named("the name of the conversion's datum", conversion.GetConvDtBaseGps()->GetNome());
     CLibMap* map = conversion.GetLibMap();
     if (!why.empty() || !map) return why;
@@ -32,7 +36,7 @@ std::string WhyHeld(CGrpGps& group, std::uint32_t mask) {
     if (mask & CHG_NOME) why = Named("the name", group.GetNome());
     if (why.empty() && mask & CHG_SECSCRI) why = Named("the code text", group.GetSecScri());
     if (why.empty() && mask & CHG_GRP_NOMEGRP) why = Named("the group name", group.GetNomeGrp());
-    if (why.empty() && mask & CHG_GRP_CONVCOORD) why = DatumNames(*group.GetConvCoord());
+    if (why.empty() && mask & CHG_GRP_CONVCOORD) why = WhyHeld(*group.GetConvCoord());
     return why;
 }
 
@@ -93,8 +97,13 @@ std::vector<HeldItem> FindHeld(CLibGps& book, CloudTables& tables) {
 Holding::Holding(CloudTables& tables, const std::vector<HeldItem>& held) : tables_(tables) {
     std::vector<CCloudItem*> groups, points;
     for (const HeldItem& one : held) (one.isGroup ? groups : points).push_back(one.item);
-    tables_.base.HoldBack(groups);
-    tables_.points.HoldBack(points);
+    try {
+        tables_.base.HoldBack(groups);
+        tables_.points.HoldBack(points);
+    } catch (...) {
+        tables_.base.ReleaseHeld();
+        throw;
+    }
 }
 
 Holding::~Holding() {

@@ -15,9 +15,9 @@ namespace gpsproject {
 
 namespace {
 
-/// Reads a section and tells what is wrong with it.
+/// Reads a section and tells what is wrong with it. True when all of it was read as it was written.
 template <class Read>
-void ReadSectionBy(FileOperations& files, int file, const FoundSection& section, std::vector<Damage>& damages,
+bool ReadSectionBy(FileOperations& files, int file, const FoundSection& section, std::vector<Damage>& damages,
                    Read read) {
     SectionSource source(files, file, section);
     ifpstream in(source, section.entry.length, section.entry.version);
@@ -33,6 +33,7 @@ void ReadSectionBy(FileOperations& files, int file, const FoundSection& section,
     if (left > 0 && in.IsOk())
         damages.push_back({section.entry.name, "", section.entry.offset + section.entry.length - left,
                            std::to_string(left) + " bytes are left over"});
+    return left == 0 && in.IsOk() && source.IsWhole() && source.GetError() == 0;
 }
 
 KeptSection ReadKept(ifpstream& in, const SectionEntry& entry) {
@@ -67,16 +68,16 @@ void Project::ReadFrom(int file, const Container& container) {
                                ", and this program knows versions up to " + std::to_string(kNewestVersion) +
                                "; use a newer program");
     for (const FoundSection& section : container.sections) {
-        const auto by = [&](auto read) { ReadSectionBy(files_, file, section, damages, read); };
+        const auto by = [&](auto read) { return ReadSectionBy(files_, file, section, damages, read); };
         if (&section == gps)
             continue;
         else if (&section == map)
             by([&](ifpstream& in) { map_->LeggeDaFile(in, section.entry.version); });
         else if (section.entry.name == kSettingsSection)
             by([&](ifpstream& in) { ReadSettings(in, settings_); });
-        else if (section.entry.name == kCloudSection)
-            by([&](ifpstream& in) { cloud_.LeggeDaFile(in); });
-        else if (section.entry.name == kJournalSection)
+        else if (section.entry.name == kCloudSection) {
+            if (by([&](ifpstream& in) { cloud_.LeggeDaFile(in); })) cloud_.GoOnAsRead();
+        } else if (section.entry.name == kJournalSection)
             by([&](ifpstream& in) { mark_ = ReadMark(in); });
         else
             by([&](ifpstream& in) { kept_.push_back(ReadKept(in, section.entry)); });
@@ -90,6 +91,7 @@ void Project::ReadFrom(int file, const Container& container) {
     report_.groupsRead = book_->GetGrpArSize();
     report_.pointsRead = static_cast<int>(CountItems(*book_)) - report_.groupsRead;
     NoteOtherDatums(*book_, notes_);
+    if (!gps || CountItems(*book_) < gps->entry.items) cloud_.ItemsWereLost();
 }
 
 }  // namespace gpsproject

@@ -118,6 +118,22 @@ TEST(GpsSectionRead, MissingFileIsTold) {
     EXPECT_EQ(KindOf([&] { ReadSection("", 1400, project); }), Kind::notFound);
 }
 
+// The ids in its records could be those of another project.
+TEST(GpsSectionRead, SharedProjectIsRefused) {
+    const TempFolder folder;
+    Project source;
+    test::Fill(source, 1);
+    WriteSection(source, folder / "section", 1400, false);
+    Project project;
+    test::Fill(project, 2);
+    project.GetCloud().Link({"store", "Dam", "key"});
+    const int groups = project.GetBook().GetGrpArSize();
+    std::string message;
+    EXPECT_EQ(KindOf([&] { ReadSection(folder / "section", 1400, project); }, &message), Kind::notHeld);
+    EXPECT_NE(message.find("read it into a book of its own"), std::string::npos) << message;
+    EXPECT_EQ(project.GetBook().GetGrpArSize(), groups);
+}
+
 TEST(GpsSectionRead, UnknownVersionsAreRefused) {
     const TempFolder folder;
     Project project;

@@ -1,0 +1,67 @@
+// MemoryStore: projects in memory, for tests and for sharing inside one program.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "host/cloud/SyncStore.h"
+
+namespace gpssync {
+
+class MemoryStore : public SyncStore {
+public:
+    MemoryStore();
+    ~MemoryStore() override;
+
+    void Begin(Access access) override;
+    void Commit() override;
+    void Rollback() noexcept override;
+
+    std::optional<StoredProject> FindProjectByName(const std::string& name) override;
+    std::optional<StoredProject> FindProjectByKey(const std::string& key) override;
+    StoredProject AddProject(const std::string& key, const std::string& name) override;
+    void AdvanceProject(const StoredProject& project) override;
+
+    std::string DeviceName(std::int64_t project, std::int32_t device) override;
+    void SetDeviceName(std::int64_t project, std::int32_t device, const std::string& name) override;
+    std::optional<StoredCommit> FindCommit(std::int64_t project, const std::string& id) override;
+    void AddCommit(std::int64_t project, const StoredCommit& commit) override;
+    std::string CommitOfRevision(std::int64_t project, std::int64_t revision) override;
+
+    bool FindItem(std::int64_t project, CloudKind kind, std::int64_t id, StoredItem& item) override;
+    void AddItem(std::int64_t project, const StoredItem& item) override;
+    void ChangeItem(std::int64_t project, const StoredItem& item) override;
+    void DeleteItem(std::int64_t project, CloudKind kind, std::int64_t id, Mark deleted) override;
+    void DeletePointsOf(std::int64_t project, std::int64_t group, Mark deleted) override;
+    void ChangedPointsOf(std::int64_t project, std::int64_t group, std::int64_t after,
+                         const TakeItem& take) override;
+    std::vector<Setter> SettersOf(std::int64_t project, CloudKind kind, std::int64_t id) override;
+    void SetSetter(std::int64_t project, CloudKind kind, std::int64_t id, const Setter& setter) override;
+    void AddHistory(std::int64_t project, const HistoryEntry& entry) override;
+    std::vector<HistoryEntry> HistoryOf(std::int64_t project, CloudKind kind, std::int64_t id) override;
+
+    std::optional<MapPart> MapDatum(std::int64_t project, MapPlace place) override;
+    void SetMapDatum(std::int64_t project, MapPlace place, const MapPart& datum) override;
+    std::optional<MapPart> MapLibrary(std::int64_t project) override;
+    void SetMapLibrary(std::int64_t project, const MapPart& library) override;
+    std::vector<std::int64_t> GroupsAt(std::int64_t project, const std::optional<MapPlace>& place) override;
+
+    std::size_t Newer(std::int64_t project, CloudKind kind, const PullWindow& window, std::int64_t after,
+                      std::size_t limit, const TakeItem& take) override;
+    std::vector<Deletion> NewerDeletions(std::int64_t project, CloudKind kind, const PullWindow& window,
+                                         const Deletion& after, std::size_t limit) override;
+
+private:
+    struct Content;
+
+    Content& Of(std::int64_t project);
+    template <class Map, class Key, class T>
+    void Put(Map& map, const Key& key, T value);
+
+    std::vector<std::unique_ptr<Content>> projects_;
+    bool open_ = false;
+    std::vector<std::function<void()>> undo_;  // of the transaction, newest last
+};
+
+}  // namespace gpssync

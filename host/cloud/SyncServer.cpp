@@ -1,0 +1,188 @@
+#include "host/cloud/SyncServer.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+#include "host/base/Utf8.h"
+#include "host/cloud/CommitTaker.h"
+#include "host/cloud/PullReader.h"
+#include "host/cloud/Sync.h"
+#include "host/cloud/Wire.h"
+
+namespace gpssync {
+
+namespace {
+
+using Kind = TransportError::Kind;
+
+constexpr std::size_t kLongestName = 200;  // bytes
+
+// Throws when a text is no name that can be shown in a line.
+void CheckName(const char* what, std::string_view name, bool mayBeEmpty) {
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
+    std::string wrong;
+    if (name.empty() && !mayBeEmpty) wrong = "is empty";
+    if (name.size() > kLongestName) wrong = "is longer than 200 bytes";
+    if (std::any_of(name.begin(), name.end(), isControl)) wrong = "has control characters in it";
+    if (!IsUtf8(name)) wrong = "is not UTF-8";
+    if (!wrong.empty())
+        throw TransportError(Kind::refused, std::string("the ") + what + " " + wrong + "; choose another");
+}
+
+void CheckSender(const Sender& sender) {
+    if (sender.device < 1)
+        throw TransportError(Kind::refused, "device " + std::to_string(sender.device) +
+                                                ": a device has a number of 1 or more");
+    CheckName("author's name", sender.author, true);
+}
+
+// Eight bytes at a time by FNV-1a, 64 bits (G. Fowler, L. C. Noll, K.-P. Vo), and the length. It tells a
+// repeated commit from one that has come under its id by mistake.
+std::string DigestOf(const CloudCommit& commit) {
+    std::uint64_t hash = 0xCBF29CE484222325;
+    std::string_view rest = commit.records;
+    while (!rest.empty()) {
+        std::uint64_t word = 0;
+        const std::size_t size = std::min(rest.size(), sizeof word);
+        for (std::size_t i = 0; i < size; ++i)
+            word |= std::uint64_t{static_cast<unsigned char>(rest[i])} << 8 * i;
+        rest.remove_prefix(size);
+        hash = (hash ^ word) * 0x100000001B3;
+        hash ^= hash >> 32;  // the product moves nothing downwards
+    }
+    char digits[16];
+    const auto written = std::to_chars(digits, digits + sizeof digits, hash, 16);
+    return std::string(digits, written.ptr) + ";" + std::to_string(commit.records.size()) + ";" +
+           std::to_string(commit.revision);
+}
+
+void CheckCommit(const CloudCommit& commit) {
+    const auto isHex = [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); };
+    if (commit.id.size() != 32 || !std::all_of(commit.id.begin(), commit.id.end(), isHex))
+        throw TransportError(Kind::refused, "the id of a commit is 32 hexadecimal digits in lower case");
+}
+
+[[noreturn]] void RefuseAsOlder(const StoredProject& project, const std::string& why) {
+    throw TransportError(Kind::older,
+                         "project " + project.name + " " + why +
+                             ". Put back the newer store; or make a new book, sync it, and bring along what "
+                             "this one has with import-book --as-new: what both have is there twice then");
+}
+
+// `base`: up to which a book knows the project, and `own`, its own revisions behind that.
+void CheckRevisions(const StoredProject& project, std::int64_t base, const std::vector<std::int64_t>& own) {
+    if (base < 0) throw TransportError(Kind::refused, "a revision is 0 or more");
+    const std::int64_t newest =
+        own.empty() ? base : std::max(base, *std::max_element(own.begin(), own.end()));
+    if (newest > project.revision)
+        RefuseAsOlder(project, "is at revision " + std::to_string(project.revision) +
+                                   ", but the book knows revision " + std::to_string(newest) +
+                                   ": the store was put back to an earlier state");
+}
+
+// `head`: the commit that a book takes for its base. Another one there: the same number is another state.
+void CheckHead(SyncStore& store, const StoredProject& project, std::int64_t base, const std::string& head) {
+    if (head.empty() || store.CommitOfRevision(project.number, base) == head) return;
+    RefuseAsOlder(project, "has another revision " + std::to_string(base) +
+                               " than the one that the book knows: the store was put back to an earlier "
+                               "state, and has gone on since");
+}
+
+}  // namespace
+
+SyncServer::SyncServer(std::unique_ptr<SyncStore> store, std::size_t pageSize)
+    : store_(std::move(store)), pageSize_(pageSize) {}
+
+SharedProject SyncServer::OpenProject(const std::string& name, bool make) {
+    CheckName("project's name", name, false);
+    const std::scoped_lock lock(mutex_);
+    SharedProject shared;
+    const auto fill = [&](const StoredProject& project) {
+        shared = {project.key, project.name, project.revision, shared.made};
+    };
+    try {
+        StoreTransaction transaction(*store_, SyncStore::Access::read);
+        if (const auto project = store_->FindProjectByName(name)) fill(*project);
+        transaction.Commit();
+    } catch (const TransportError& error) {
+        if (!make || error.GetKind() != Kind::notFound) throw;
+    }
+    if (!shared.key.empty()) return shared;
+    if (!make)
+        throw TransportError(Kind::notFound,
+                             "there is no project " + name + "; look at its name, or make it");
+    StoreTransaction transaction(*store_, SyncStore::Access::make);
+    auto project = store_->FindProjectByName(name);  // another program may have made it meanwhile
+    if (!project) {
+        shared.made = true;
+        project = store_->AddProject(RandomHex(), name);
+    }
+    fill(*project);
+    transaction.Commit();
+    return shared;
+}
+
+CommitAnswer SyncServer::Commit(const std::string& projectKey, const Sender& sender,
+                                const CloudCommit& commit) {
+    CheckSender(sender);
+    CheckCommit(commit);
+    const std::string digest = DigestOf(commit);
+    const std::scoped_lock lock(mutex_);
+    StoreTransaction transaction(*store_, SyncStore::Access::write);
+    StoredProject project = Find(projectKey);
+    if (const auto before = store_->FindCommit(project.number, commit.id)) {
+        if (before->digest != digest)
+            throw TransportError(Kind::refused, "commit " + commit.id +
+                                                    " was answered before, with other records; send these "
+                                                    "under an id of their own");
+        auto answer = DecodeAnswer(before->answer);
+        if (!answer)
+            throw TransportError(Kind::damaged, "the answer to commit " + commit.id +
+                                                    " that is kept cannot be read; check the store");
+        return std::move(*answer);
+    }
+    CheckRevisions(project, commit.revision, commit.own);
+    CheckHead(*store_, project, commit.revision, commit.head);
+    if (store_->DeviceName(project.number, sender.device) != sender.author)
+        store_->SetDeviceName(project.number, sender.device, sender.author);
+    CommitAnswer answer = CommitTaker(*store_, project, sender.device).Take(commit);
+    store_->AddCommit(project.number, {commit.id, sender.device, answer.revision, project.lastId, digest,
+                                       EncodeAnswer(answer)});
+    transaction.Commit();
+    return answer;
+}
+
+PullPage SyncServer::Pull(const std::string& projectKey, const Sender& sender, const PullRequest& request) {
+    CheckSender(sender);
+    const std::scoped_lock lock(mutex_);
+    StoreTransaction transaction(*store_, SyncStore::Access::read);
+    const StoredProject project = Find(projectKey);
+    CheckRevisions(project, request.revision, request.own);
+    CheckRevisions(project, request.upTo, {});
+    CheckHead(*store_, project, request.revision, request.head);
+    PullPage page = PullReader(*store_, project, request, pageSize_).Read();
+    transaction.Commit();
+    return page;
+}
+
+std::vector<HistoryEntry> SyncServer::History(const std::string& projectKey, CloudKind kind,
+                                              std::int64_t id) {
+    const std::scoped_lock lock(mutex_);
+    StoreTransaction transaction(*store_, SyncStore::Access::read);
+    std::vector<HistoryEntry> entries = store_->HistoryOf(Find(projectKey).number, kind, id);
+    transaction.Commit();
+    return entries;
+}
+
+StoredProject SyncServer::Find(const std::string& projectKey) {
+    const auto project = store_->FindProjectByKey(projectKey);
+    if (!project)
+        throw TransportError(Kind::notFound,
+                             "the project with the key " + projectKey +
+                                 " is not in this store any more; link the book to the right store");
+    return *project;
+}
+
+}  // namespace gpssync
