@@ -25,13 +25,15 @@ struct Kind {
 };
 
 constexpr Kind kKinds[] = {
-    {kTmpGrpGps, "group changed", 1, 0},        {kTmpPunGps, "point changed", 1, 1},
-    {kDelGrpGps, "group deleted", 1, 0},        {kDelPunGps, "point deleted", 1, 1},
-    {kEditGivenUp, "edit given up", 0, 0},      {kGroupInserted, "group inserted", 1, 0},
-    {kPointInserted, "point inserted", 1, 1},   {kGroupsSwapped, "groups swapped", 2, 0},
-    {kPointsSwapped, "points swapped", 1, 2},   {kOptionsChanged, "options changed", 0, 0},
-    {kMapChanged, "map library changed", 0, 0}, {kSettingsChanged, "settings changed", 0, 0},
-    {kVersionChanged, "version changed", 0, 0}};
+    {kTmpGrpGps, "group changed", 1, 0},         {kTmpPunGps, "point changed", 1, 1},
+    {kDelGrpGps, "group deleted", 1, 0},         {kDelPunGps, "point deleted", 1, 1},
+    {kEditGivenUp, "edit given up", 0, 0},       {kGroupInserted, "group inserted", 1, 0},
+    {kPointInserted, "point inserted", 1, 1},    {kGroupsSwapped, "groups swapped", 2, 0},
+    {kPointsSwapped, "points swapped", 1, 2},    {kOptionsChanged, "options changed", 0, 0},
+    {kMapChanged, "map library changed", 0, 0},  {kSettingsChanged, "settings changed", 0, 0},
+    {kVersionChanged, "version changed", 0, 0},  {kCommitBegun, "commit begun", 0, 0},
+    {kCommitAnswered, "commit answered", 0, 0},  {kPageTaken, "changes taken", 0, 0},
+    {kConflictDropped, "conflict settled", 0, 0}};
 
 const Kind* FindKind(int code) {
     const Kind* const found =

@@ -24,7 +24,8 @@ using namespace gpsproject;
 namespace {
 
 constexpr const char* kName = "SALVAGED";
-constexpr double kSamePlace = 0.001;  // metres: the same conversion, and not that of another zone
+constexpr std::ptrdiff_t kCloudRecord = 24;  // bytes, at the end of a group's record
+constexpr double kSamePlace = 0.001;         // metres: the same conversion, and not that of another zone
 
 /// A point of an entry, as its record is written today.
 struct Candidate {
@@ -75,9 +76,10 @@ std::vector<JournalFrame> FramesLeft(const Project& project) {
     return left;
 }
 
+// Without what a shared project knows of the point: that does not make it another one.
 std::string RecordOf(CPunGps& point, ofpstream& scratch) {
     scratch.Clear();
-    point.SalvaInFile(scratch, false);
+    point.SalvaInFile(scratch, true);
     return std::string(scratch.GetBytes());
 }
 
@@ -183,7 +185,11 @@ private:
         CGrpGps group(nullptr, false, &project_.GetMap(), 0);
         int index = -1;
         const auto read = [&](ifpstream& in) { group.LeggeDaFile(in, project_.GetDrawings(), true); };
-        if (ReadEntry(payload, index, nullptr, read)) groups_[index] = payload;
+        if (!ReadEntry(payload, index, nullptr, read)) return;
+        // What is salvaged is new: its id may be that of another project, or of something deleted here.
+        std::string entry = payload;
+        std::fill(entry.end() - kCloudRecord, entry.end(), '\0');
+        groups_[index] = std::move(entry);
     }
 
     void LeaveOutWhatIsThere() {

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "apps/gpsbook/book/Interrupt.h"
+#include "apps/gpsbook/book/SharedBook.h"
 #include "apps/gpsbook/commands/CommandError.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
 
@@ -136,6 +137,7 @@ std::unique_ptr<gpsproject::Project> OpenToWrite(const std::string& given) {
                                "saves what can be read, or go back to the backup");
     }
     TellNotes(*project);
+    UseOwnDevice(*project);
     project->GetEdits().Begin();
     return project;
 }

@@ -2,6 +2,7 @@ target_sources(gpsbook_lib PRIVATE
   book/Address.cpp
   book/BookRows.cpp
   book/BookSummary.cpp
+  book/CloudText.cpp
   book/ConversionText.cpp
   book/Deletion.cpp
   book/DerivedCoordinates.cpp
@@ -22,9 +23,11 @@ target_sources(gpsbook_lib PRIVATE
   book/LiveLog.cpp
   book/LogImport.cpp
   book/LogInput.cpp
+  book/MergeBook.cpp
   book/OpenBook.cpp
   book/PlaneRefresh.cpp
   book/PointFilter.cpp
   book/Progress.cpp
   book/Reorder.cpp
+  book/SharedBook.cpp
   book/VersionLimits.cpp)

@@ -10,6 +10,7 @@
 
 #include "apps/gpsbook/book/BookSummary.h"
 #include "apps/gpsbook/book/OpenBook.h"
+#include "apps/gpsbook/commands/CloudJson.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/ReportJson.h"
@@ -46,6 +47,10 @@ std::string Text(gpsproject::Project& project, const BookSummary& s) {
     const auto add = std::back_inserter(out);
     for (const auto& [key, value] : project.GetSettings())
         fmt::format_to(add, "  {}: {}\n", Printable(key), Printable(value));
+    if (gpsproject::BookCloud& cloud = project.GetCloud(); cloud.IsLinked())
+        fmt::format_to(add, "  shared: project {} of {}, revision {}{}\n",
+                       Printable(cloud.GetState().link.project), Printable(cloud.GetState().link.store),
+                       cloud.GetState().revision, cloud.HasToSend() ? ", with something to send" : "");
     fmt::format_to(add, "  {}, {}\n", Counted(s.groups, "group"), Counted(s.points, "point"));
     for (const auto& [code, count] : s.byQuality) fmt::format_to(add, "  {} of quality {}\n", count, code);
     if (!s.first.empty()) fmt::format_to(add, "  from {} to {}\n", s.first, s.last);
@@ -66,6 +71,16 @@ std::string Text(gpsproject::Project& project, const BookSummary& s) {
 Json Number(double v) { return HasValue(v) ? Json(v) : Json(nullptr); }
 Json TextOrNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
 
+Json SharedJson(gpsproject::Project& project) {
+    gpsproject::BookCloud& cloud = project.GetCloud();
+    if (!cloud.IsLinked()) return nullptr;
+    Json json = LinkJson(project);
+    json.erase("book");
+    json["to_send"] = cloud.HasToSend();
+    json["conflicts"] = cloud.GetState().conflicts.size();
+    return json;
+}
+
 Json InfoJson(gpsproject::Project& project, const BookSummary& s) {
     Json qualities = Json::object();
     for (const auto& [code, count] : s.byQuality) qualities[fmt::format("{}", code)] = count;
@@ -75,6 +90,7 @@ Json InfoJson(gpsproject::Project& project, const BookSummary& s) {
             {"bytes", SizeOf(project.GetPath())},
             {"version", project.GetStreamVersion()},
             {"settings", settings},
+            {"shared", SharedJson(project)},
             {"groups", s.groups},
             {"points", s.points},
             {"by_quality", qualities},

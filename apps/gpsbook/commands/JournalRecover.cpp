@@ -9,10 +9,12 @@
 #include "apps/gpsbook/book/JournalEntries.h"
 #include "apps/gpsbook/book/JournalSalvage.h"
 #include "apps/gpsbook/book/OpenBook.h"
+#include "apps/gpsbook/book/SharedBook.h"
 #include "apps/gpsbook/commands/CommandError.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/TextTable.h"
+#include "host/project/EditCodes.h"
 
 namespace gpsbook {
 
@@ -93,6 +95,15 @@ void ReplayJournal(const std::string& book, bool json) {
         otherwise);
 }
 
+// What the project has answered is not known any more: its answer would have said which items it has.
+void NoteLostCommit(const Project& project, const SalvageReport& done) {
+    if (!done.left.contains(gpsproject::kCommitBegun)) return;
+    std::cerr
+        << "note: " << project.GetPath()
+        << ": the journal holds steps of a sync that cannot be taken; what was new and sent then may be "
+           "in the project already, and will be there twice after the next sync: look for it there\n";
+}
+
 void SalvageJournal(const std::string& book, bool json) {
     const auto project = Project::Open(BookFile(book), Project::Mode::salvage);
     if (project->GetReport().IsDamaged()) {
@@ -105,9 +116,11 @@ void SalvageJournal(const std::string& book, bool json) {
     SalvageReport done;
     std::string kept;
     if (NeedsSalvage(*project)) {
+        UseOwnDevice(*project);
         done = SalvagePoints(*project);
         project->GetBook().SetModifiedFlag(true);
         kept = project->SaveAndSetJournalAside();
+        NoteLostCommit(*project, done);
     } else if (project->GetReplay().edits > 0) {
         project->Save();
     }

@@ -11,6 +11,7 @@
 #include "apps/gpsbook/commands/Add.h"
 #include "apps/gpsbook/commands/Base.h"
 #include "apps/gpsbook/commands/Check.h"
+#include "apps/gpsbook/commands/Cloud.h"
 #include "apps/gpsbook/commands/CommandError.h"
 #include "apps/gpsbook/commands/Completion.h"
 #include "apps/gpsbook/commands/Compute.h"
@@ -21,10 +22,12 @@
 #include "apps/gpsbook/commands/Find.h"
 #include "apps/gpsbook/commands/Groups.h"
 #include "apps/gpsbook/commands/Import.h"
+#include "apps/gpsbook/commands/ImportBook.h"
 #include "apps/gpsbook/commands/Info.h"
 #include "apps/gpsbook/commands/Journal.h"
 #include "apps/gpsbook/commands/List.h"
 #include "apps/gpsbook/commands/Manual.h"
+#include "apps/gpsbook/commands/Merge.h"
 #include "apps/gpsbook/commands/Move.h"
 #include "apps/gpsbook/commands/New.h"
 #include "apps/gpsbook/commands/Options.h"
@@ -36,6 +39,7 @@
 #include "apps/gpsbook/commands/Simulate.h"
 #include "apps/gpsbook/commands/Stations.h"
 #include "apps/gpsbook/commands/Swap.h"
+#include "apps/gpsbook/commands/Sync.h"
 #include "apps/gpsbook/commands/Vrs.h"
 
 namespace gpsbook {
@@ -51,22 +55,24 @@ struct Entry {
 constexpr char kLogs[] = "Receiver logs";
 constexpr char kBooks[] = "Field books";
 constexpr char kEditing[] = "Editing";
+constexpr char kSharing[] = "Sharing";
 constexpr char kStations[] = "Permanent stations";
 constexpr char kInside[] = "What a file holds";
 constexpr char kShell[] = "Shell";
 
 /// All commands, in the order of the help, the manual and the completion, which are all made from it.
 constexpr Entry kCommands[] = {
-    {kLogs, AddConvertCommand},    {kLogs, AddSimulateCommand},     {kBooks, AddNewCommand},
-    {kBooks, AddImportCommand},    {kBooks, AddExportCommand},      {kBooks, AddPointsCommand},
-    {kBooks, AddGroupsCommand},    {kBooks, AddInfoCommand},        {kBooks, AddListCommand},
-    {kBooks, AddShowCommand},      {kBooks, AddFindCommand},        {kBooks, AddCheckCommand},
-    {kEditing, AddSetCommand},     {kEditing, AddAddCommand},       {kEditing, AddDeleteCommand},
-    {kEditing, AddMoveCommand},    {kEditing, AddSwapCommand},      {kEditing, AddComputeCommand},
-    {kEditing, AddOptionsCommand}, {kEditing, AddPostProcCommand},  {kEditing, AddBaseCommand},
-    {kEditing, AddVrsCommand},     {kStations, AddStationsCommand}, {kInside, AddDumpCommand},
-    {kInside, AddSectionCommand},  {kInside, AddJournalCommand},    {kShell, AddCompletionCommand},
-    {kShell, AddManualCommand},
+    {kLogs, AddConvertCommand},     {kLogs, AddSimulateCommand},      {kBooks, AddNewCommand},
+    {kBooks, AddImportCommand},     {kBooks, AddExportCommand},       {kBooks, AddPointsCommand},
+    {kBooks, AddGroupsCommand},     {kBooks, AddInfoCommand},         {kBooks, AddListCommand},
+    {kBooks, AddShowCommand},       {kBooks, AddFindCommand},         {kBooks, AddCheckCommand},
+    {kEditing, AddSetCommand},      {kEditing, AddAddCommand},        {kEditing, AddDeleteCommand},
+    {kEditing, AddMoveCommand},     {kEditing, AddSwapCommand},       {kEditing, AddComputeCommand},
+    {kEditing, AddOptionsCommand},  {kEditing, AddPostProcCommand},   {kEditing, AddBaseCommand},
+    {kEditing, AddVrsCommand},      {kSharing, AddSyncCommand},       {kSharing, AddCloudCommand},
+    {kSharing, AddMergeCommand},    {kSharing, AddImportBookCommand}, {kStations, AddStationsCommand},
+    {kInside, AddDumpCommand},      {kInside, AddSectionCommand},     {kInside, AddJournalCommand},
+    {kShell, AddCompletionCommand}, {kShell, AddManualCommand},
 };
 
 void AddCommands(CLI::App& app, int& exitCode) {

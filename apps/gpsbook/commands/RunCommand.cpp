@@ -26,6 +26,22 @@ ExitCode ExitCodeOf(gpsproject::ProjectError::Kind kind) {
     return exitFailure;
 }
 
+ExitCode ExitCodeOf(gpssync::TransportError::Kind kind) {
+    using Kind = gpssync::TransportError::Kind;
+    switch (kind) {
+        case Kind::noAnswer:
+            return exitServer;
+        case Kind::notFound:
+            return exitNotFound;
+        case Kind::older:
+        case Kind::refused:
+            return exitConflict;
+        case Kind::damaged:
+            break;
+    }
+    return exitRefused;
+}
+
 int RunCommand(const std::string& name, const std::function<void()>& work) {
     const auto tell = [&](const std::exception& e) {
         std::cerr << "gpsbook " << name << ": " << e.what() << '\n';
@@ -40,6 +56,9 @@ int RunCommand(const std::string& name, const std::function<void()>& work) {
         tell(e);
         return exitFailure;
     } catch (const gpsproject::ProjectError& e) {
+        tell(e);
+        return ExitCodeOf(e.GetKind());
+    } catch (const gpssync::TransportError& e) {
         tell(e);
         return ExitCodeOf(e.GetKind());
     }

@@ -3,6 +3,9 @@ target_sources(gpsbook_lib PRIVATE
   commands/Base.cpp
   commands/ChangeReport.cpp
   commands/Check.cpp
+  commands/Cloud.cpp
+  commands/CloudJson.cpp
+  commands/CloudStatus.cpp
   commands/Completion.cpp
   commands/Compute.cpp
   commands/Convert.cpp
@@ -15,6 +18,7 @@ target_sources(gpsbook_lib PRIVATE
   commands/Find.cpp
   commands/Groups.cpp
   commands/Import.cpp
+  commands/ImportBook.cpp
   commands/ImportLive.cpp
   commands/ImportSummary.cpp
   commands/ImportTarget.cpp
@@ -24,6 +28,8 @@ target_sources(gpsbook_lib PRIVATE
   commands/List.cpp
   commands/LogArguments.cpp
   commands/Manual.cpp
+  commands/Merge.cpp
+  commands/MergeReport.cpp
   commands/Move.cpp
   commands/New.cpp
   commands/Options.cpp
@@ -39,6 +45,7 @@ target_sources(gpsbook_lib PRIVATE
   commands/Simulate.cpp
   commands/Stations.cpp
   commands/Swap.cpp
+  commands/Sync.cpp
   commands/TableArguments.cpp
   commands/TextTable.cpp
   commands/Vrs.cpp

@@ -27,7 +27,7 @@ std::vector<std::string> WordsOf(const std::string& value) {
 }
 
 ValueKind KindOf(const std::string& value) {
-    if (value == "BOOK") return ValueKind::book;
+    if (value == "BOOK" || value == "OTHER") return ValueKind::book;
     if (value == "FOLDER") return ValueKind::folder;
     if (value == "FILE" || value == "LOG") return ValueKind::file;
     return value.find('|') == std::string::npos ? ValueKind::none : ValueKind::words;

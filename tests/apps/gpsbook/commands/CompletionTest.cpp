@@ -112,6 +112,9 @@ TEST(BashCompletion, FilesAreOfferedWhereOneIsMeant) {
     EXPECT_EQ(bash.Offers({"convert", "w"}), Set{"walk one.nmea"});
     EXPECT_EQ(bash.Offers({"convert", "walk one.nmea", "--json", "w"}), Set{"walk one.nmea"});
     EXPECT_EQ(bash.Offers({"convert", "-o", "w"}), Set{"walk one.nmea"});
+    bash.Place().Put("site.gpsbook", "");
+    EXPECT_EQ(bash.Offers({"merge", "site.gpsbook", "s"}), Set{"site.gpsbook"});
+    EXPECT_EQ(bash.Offers({"sync", "site.gpsbook", "--store", "w"}), Set{"walk one.nmea"});
     EXPECT_EQ(bash.Offers({"completion", ""}), (Set{"bash", "zsh"}));
 }
 

@@ -1,0 +1,17 @@
+// CloudJson: what a book knows of its shared project, for machines.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "host/project/Project.h"
+
+namespace gpsbook {
+
+/// Book, store, project, key and revision; all but the book null when it is not shared.
+nlohmann::ordered_json LinkJson(gpsproject::Project& project);
+
+nlohmann::ordered_json RefusedJson(const gpsproject::CloudState& state);
+
+nlohmann::ordered_json ConflictJson(gpsproject::Project& project, const gpsproject::CloudConflict& conflict);
+
+}  // namespace gpsbook
