@@ -114,6 +114,28 @@ int fdatasync(int file) { return Call<int(int)>(IsWatched(file), "fdatasync", fi
 int ftruncate(int file, off_t size) noexcept {
     return Call<int(int, off_t)>(IsWatched(file), "ftruncate", file, size);
 }
+
+// The same, as a library calls them that is compiled for large files.
+int open64(const char* path, int flags, ...) {
+    va_list more;
+    va_start(more, flags);
+    const mode_t mode = (flags & O_CREAT) ? va_arg(more, mode_t) : 0;
+    va_end(more);
+    return open(path, flags, mode);
+}
+ssize_t pread64(int file, void* bytes, size_t size, off64_t offset) {
+    return pread(file, bytes, size, offset);
+}
+ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t offset) {
+    if (IsWatched(file)) {
+        const What what = Next("pwrite");
+        if (what == What::fail) return -1;
+        if (what == What::half) size = (size + 1) / 2;
+    }
+    return Real<ssize_t(int, const void*, size_t, off_t)>("pwrite")(file, bytes, size, offset);
+}
+int ftruncate64(int file, off64_t size) noexcept { return ftruncate(file, size); }
+
 int flock(int file, int operation) noexcept {
     return Call<int(int, int)>(IsWatched(file), "flock", file, operation);
 }
