@@ -29,14 +29,13 @@ public:
 
     /// A reply of 29 fields: a new point of a known group, or the fields of a known one that were not changed
     /// here. A known point stays in its group, whatever the reply says. Notifies the book (1, 1). False,
-    /// changing nothing: another number of fields, an id below 1, an unknown group for a new point, or the
-    /// point could not be made.
+    /// changing nothing: when the reply is not of 29 fields, or one of its two ids is none; for a new point
+    /// also when its group is not here, or memory ends.
     bool UpdateSuccessful_Edit(const std::vector<vex::String>& reply) override;
 
     CCloudItem* Merge(CCloudItem* item) override;
 
-    // --- single fields, for the sync of a host: as in CGpsBaseCloudTable
-    // --------------------------------------
+    // --- single fields, as in CGpsBaseCloudTable -----------------------------------------------------
 
     void GetFields(CPunGps& point, std::uint32_t mask, vex::String& text);
     void SetFields(CPunGps& point, std::uint32_t bit, const vex::String* fields);

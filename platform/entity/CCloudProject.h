@@ -24,9 +24,9 @@ public:
     CCloudTable* GetGpsBaseTable() const { return base_; }
     CCloudTable* GetGpsPntTable() const { return points_; }
 
-    /// Replaces `records` by what one commit sends, "\r\n" between two records: base changes, point changes,
-    /// base additions, point additions, deletions of bases, of points. Additions of points refer to bases of
-    /// the same commit by counting its additions. Nothing without tables.
+    /// Replaces `records` by those of one commit, "\r\n" between two. What changed comes first, then what is
+    /// new, then what was deleted, each time the bases before the points: a new point names a new base by
+    /// its number among the additions. Nothing without tables.
     void GenerateCommit(vex::String& records);
 
 private:
