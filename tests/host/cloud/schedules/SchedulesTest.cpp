@@ -99,7 +99,7 @@ TEST_P(Schedules, EndAlikeAndLoseNothing) {
         clashes += schedule.GetSurvey().clashes;
         repeated += schedule.GetSurvey().repeated;
     }
-    if (given) return;
+    if (count < 1000) return;
     // What never came about was not tested.
     EXPECT_GT(kept, 0);
     EXPECT_GT(refused, 0);
