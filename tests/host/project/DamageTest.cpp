@@ -293,7 +293,7 @@ TEST(Damage, ManyRandomDamagesAreReadWithoutHarm) {
     const Sample sample(1400, 3, 20);
     std::uint32_t x = 1;
     const auto next = [&] { return (x = x * 1664525 + 1013904223) >> 8; };
-    const long cases = Scaled(20'000);
+    const long cases = ScaledSessions(20'000);
     long opened = 0;
     for (long i = 0; i < cases && !HasFailure(); ++i) {
         std::string bytes = sample.bytes;

@@ -67,7 +67,7 @@ TEST_P(JournalPowerLoss, KeepsEveryStoredEditAndNoneTwice) {
         project.SaveAs(kBook, false);
         start.SyncAll();
     }
-    const long cases = Scaled(100'000 / kParts);  // two losses each
+    const long cases = ScaledSessions(100'000 / kParts);  // two losses each
     long inJournal = 0, beyondStored = 0;
     for (long i = 0; i < cases && !HasFailure(); ++i) {
         auto disk = start.AfterPowerLoss(random);

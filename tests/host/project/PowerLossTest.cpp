@@ -97,7 +97,7 @@ TEST_P(PowerLoss, LeavesTheOldBookOrTheNewOne) {
     }
     ASSERT_GT(operations, 30);
 
-    const long cases = Scaled(100'000 / kParts);
+    const long cases = ScaledSessions(100'000 / kParts);
     long asNew = 0, secondAsNew = 0;
     for (long i = 0; i < cases && !HasFailure(); ++i) {
         const auto disk = start.disk.AfterPowerLoss(random);
@@ -151,7 +151,7 @@ TEST(PowerLossOfALyingDisk, NeverGivesABookThatNobodySaved) {
         operations = disk->GetOperations();
     }
     long damaged = 0;
-    const long cases = Scaled(20'000);
+    const long cases = ScaledSessions(20'000);
     for (long i = 0; i < cases && !HasFailure(); ++i) {
         const auto disk = start.disk.AfterPowerLoss(random);
         disk->SetLying(true);
