@@ -1,44 +1,47 @@
 target_sources(gpsbook_lib PRIVATE
-  commands/Add.cpp
-  commands/Base.cpp
   commands/ChangeReport.cpp
-  commands/Check.cpp
-  commands/Cloud.cpp
   commands/CloudJson.cpp
   commands/CloudStatus.cpp
+  commands/ConvertSummary.cpp
+  commands/ExchangeReport.cpp
+  commands/ImportLive.cpp
+  commands/ImportSummary.cpp
+  commands/ImportTarget.cpp
+  commands/JournalRecover.cpp
+  commands/MergeReport.cpp
+  commands/Output.cpp
+  commands/Positions.cpp
+  commands/RunCommand.cpp
+  commands/TextTable.cpp)
+
+target_sources(gpsbook_command_line PRIVATE
+  commands/Add.cpp
+  commands/Base.cpp
+  commands/Check.cpp
+  commands/Cloud.cpp
   commands/Completion.cpp
   commands/Compute.cpp
   commands/Convert.cpp
-  commands/ConvertSummary.cpp
   commands/Delete.cpp
   commands/Dump.cpp
   commands/ExchangeOptions.cpp
-  commands/ExchangeReport.cpp
   commands/Export.cpp
   commands/Find.cpp
   commands/Groups.cpp
   commands/Import.cpp
   commands/ImportBook.cpp
-  commands/ImportLive.cpp
-  commands/ImportSummary.cpp
-  commands/ImportTarget.cpp
   commands/Info.cpp
   commands/Journal.cpp
-  commands/JournalRecover.cpp
   commands/List.cpp
   commands/LogArguments.cpp
   commands/Manual.cpp
   commands/Merge.cpp
-  commands/MergeReport.cpp
   commands/Move.cpp
   commands/New.cpp
   commands/Options.cpp
-  commands/Output.cpp
   commands/Points.cpp
-  commands/Positions.cpp
   commands/PostProc.cpp
   commands/Program.cpp
-  commands/RunCommand.cpp
   commands/Section.cpp
   commands/Set.cpp
   commands/Show.cpp
@@ -47,6 +50,5 @@ target_sources(gpsbook_lib PRIVATE
   commands/Swap.cpp
   commands/Sync.cpp
   commands/TableArguments.cpp
-  commands/TextTable.cpp
   commands/Vrs.cpp
   commands/Words.cpp)
