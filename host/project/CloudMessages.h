@@ -63,6 +63,8 @@ struct CloudReply {
     bool deleted = false;
     std::int32_t device = 0;          // who changed it last
     std::vector<vex::String> fields;  // 86, 29, or 2 of a deletion
+    std::int64_t revision = 0;        // in which it was changed last
+    bool unseen = false;  // it was deleted by somebody who had not seen what the asking device did to it
 
     bool operator==(const CloudReply&) const = default;
 };
