@@ -9,7 +9,7 @@
 #include "gps/model/CPunGps.h"
 #include "platform/entity/CCloudTable.h"
 
-class CGpsBaseCloudTable;
+class CGpsBaseCloudTable;  // NOLINT(cppcoreguidelines-virtual-class-destructor)
 
 /// For the points what CGpsBaseCloudTable is for the groups, with records "UPTGPS" and "IPTGPS". A new point
 /// names its group through the base table.

@@ -18,6 +18,8 @@ public:
     /// program's file is never written.
     explicit SqliteStore(std::string path, int patience = kPatience);
     ~SqliteStore() override;
+    SqliteStore(const SqliteStore&) = delete;
+    SqliteStore& operator=(const SqliteStore&) = delete;
 
     void Begin(Access access) override;
     void Commit() override;

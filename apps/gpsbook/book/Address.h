@@ -16,7 +16,7 @@ struct Place {
     int point = -1;  // -1: the group itself
 
     bool IsPoint() const { return point >= 0; }
-    friend auto operator<=>(const Place&, const Place&) = default;
+    friend auto operator<=>(const Place&, const Place&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// What a group is called: its group name; without one the name of its entity.

@@ -28,6 +28,8 @@ public:
     /// Errors: ProjectError when there is no book, or the journal cannot be read.
     explicit BookJournal(const std::string& book);
     ~BookJournal();
+    BookJournal(const BookJournal&) = delete;
+    BookJournal& operator=(const BookJournal&) = delete;
 
     const std::string& GetBook() const { return book_; }
     const gpsproject::FoundJournal& GetFound() const { return found_; }
