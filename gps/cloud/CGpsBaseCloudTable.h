@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "gps/GpsExport.h"
-#include "gps/cloud/ConvCoordValues.h"
 #include "gps/model/CGrpGps.h"
+#include "platform/base/vexString.h"
 #include "platform/entity/CCloudTable.h"
 
 class CConvCoord;
@@ -21,6 +21,38 @@ class CDatumConv;
 /// calls come from the thread that edits the book.
 class GPS_API CGpsBaseCloudTable : public CCloudTable {  // NOLINT(cppcoreguidelines-virtual-class-destructor)
 public:
+    /// A datum's seven parameters and origin, as a reply holds them.
+    struct TDatumConvValues {
+        vex::String Nome;
+        bool FromStd = false;        // true: the coefficients lead from the standard datum, else to it
+        double Coeff[7] = {};        // translations in metres, rotations in arc seconds, scale in ppm
+        double GrafOrigine[2] = {};  // degrees: latitude, longitude
+    };
+
+    /// Settings, datums, plane and height conversion, as a reply holds them. The order is not that of a
+    /// reply: there the type of the map library's datum follows the datum that is selected in the library.
+    struct TConvCoordValues {
+        int S1 = 0, S2 = 0, S3 = 0, S4 = 0, S5 = 0;
+        double R1 = 0;  // metres
+        double R2 = 0;  // inverse flattening
+        bool B = false;
+        int S6 = 0, S7 = 0, S8 = 0, S9 = 0, S10 = 0;
+        int TpDtBaseGps = 0;
+        TDatumConvValues DtBaseGps;
+        int MapTpDtBaseGps = 0;
+        TDatumConvValues MapDatum;      // the one selected by S3, S4, S5
+        TDatumConvValues MapDtBaseGps;  // the library's own
+        int TpProiezPla = 0;
+        // The five values of a projection, in the units that CProiezPla tells for its type: P1, P2 degrees,
+        // P3, P4 metres, P5 a factor; degrees for a cone with two parallels; the code for a definition.
+        double P[5] = {};
+        double CoeffLatLon[6] = {};  // origin G1, G2 degrees; O3, O4 metres; scale; angle in degrees
+        int AltezTpProiezPla = 0;
+        int TpCalcPt = 0;
+        double H[5] = {};       // as P
+        double MinQua[3] = {};  // metres, metres per metre twice
+    };
+
     CGpsBaseCloudTable();
 
     // --- in the order of the virtual operations
@@ -39,11 +71,14 @@ public:
 
     /// A reply of 86 fields: a new group, or the fields of a known one that were not changed here since the
     /// last confirmation. Notifies the book (1, 1). False, changing nothing: another number of fields, id or
-    /// creator device below 1, or the group could not be made.
+    /// creator device below 1; for a new group also when there is no book (SetOwner), or no memory to make
+    /// it. When memory ends while fields are stored std::bad_alloc leaves, and nobody is notified: a new
+    /// group is removed again, a known one keeps what was stored by then. The same reply may be applied once
+    /// more.
     bool UpdateSuccessful_Edit(const std::vector<vex::String>& reply) override;
 
     /// Fills the empty fields, of those that no record carries, of the group with the item's id from the
-    /// item's group; null when there is none. The local side always wins.
+    /// item's group; null when there is none. What has a value here keeps it.
     CCloudItem* Merge(CCloudItem* item) override;
 
     // --- single fields, for the sync of a host

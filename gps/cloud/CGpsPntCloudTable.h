@@ -30,7 +30,8 @@ public:
     /// A reply of 29 fields: a new point of a known group, or the fields of a known one that were not changed
     /// here. A known point stays in its group, whatever the reply says. Notifies the book (1, 1). False,
     /// changing nothing: when the reply is not of 29 fields, or one of its two ids is none; for a new point
-    /// also when its group is not here, or memory ends.
+    /// also when there is no book or base table, its group is not here, or there is no memory to make it.
+    /// When memory ends while fields are stored: as for groups.
     bool UpdateSuccessful_Edit(const std::vector<vex::String>& reply) override;
 
     CCloudItem* Merge(CCloudItem* item) override;

@@ -4,6 +4,9 @@
 
 namespace {
 
+using TConvCoordValues = CGpsBaseCloudTable::TConvCoordValues;
+using TDatumConvValues = CGpsBaseCloudTable::TDatumConvValues;
+
 /// Takes one field after the other.
 class Fields {
 public:

@@ -1,7 +1,7 @@
 // ConvCoordReply: a coordinate conversion from a reply's fields.
 #pragma once
 
-#include "gps/cloud/ConvCoordValues.h"
+#include "gps/cloud/CGpsBaseCloudTable.h"
 
 /// Reads the 70 fields of a conversion, from `first` on.
-TConvCoordValues ConvCoordFromReply(const vex::String* first);
+CGpsBaseCloudTable::TConvCoordValues ConvCoordFromReply(const vex::String* first);

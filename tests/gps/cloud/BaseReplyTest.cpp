@@ -372,7 +372,7 @@ TEST(BaseReply, DatumsBeforeTheSelectedOneAreAdded) {
 
 TEST(BaseReply, NullDatumTakesNothing) {
     CloudBook book;
-    TDatumConvValues values;
+    CGpsBaseCloudTable::TDatumConvValues values;
     values.Nome = "x";
     book.bases.SetDatumConv(nullptr, values);
     CDatumConv datum;

@@ -10,7 +10,6 @@
 
 #include "gps/cloud/CGpsBaseCloudTable.h"
 #include "gps/cloud/CGpsPntCloudTable.h"
-#include "gps/cloud/ConvCoordValues.h"
 #include "gps/model/CLibGps.h"
 #include "platform/coord/CLibMap.h"
 #include "platform/entity/CCloudProject.h"
