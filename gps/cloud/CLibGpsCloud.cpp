@@ -1,4 +1,6 @@
 // CLibGps: the groups and points of another field book.
+#include <new>
+
 #include "gps/cloud/CGpsBaseCloudTable.h"
 #include "gps/cloud/CGpsPntCloudTable.h"
 #include "gps/cloud/TableSteps.h"
@@ -7,65 +9,46 @@
 #include "platform/cad/COrkaEng.h"
 #include "platform/entity/CCloudProject.h"
 
-namespace {
-
-/// Takes the id from an item that was assigned one. Where the assignment took the place of an item deleted
-/// here, that deletion still waits to be sent.
-void DropId(CCloudItem& item, bool wasTombstone) {
-    if (wasTombstone) item.GetTable()->ItemDeletedLocally(&item);
-    item.SetCloudId(0);
-}
-
-bool IsTombstone(const CCloudTable* table, long long id) {
-    CCloudItem* item = nullptr;
-    return table && table->FindItem(id, item) && !item;
-}
-
-}  // namespace
-
-// Appends a copy of a group of another field book, without points; null when it cannot be made.
+// Appends a copy of a group of another field book, without points; null, and nothing appended, when there is
+// no memory for it.
 CGrpGps* CLibGps::CopyGrpFrom(const CGrpGps& source, bool fromCloud, bool keepId) {
     CGrpGps* group = OrNull([&] { return AddGrp(fromCloud); });
     if (!group) return nullptr;
     const long long drawing = group->TargetDrawing;
-    const auto detachPoints = [group] {
-        group->AzzeraPunSet();
-        group->PunList.clear();
-        group->moves_.Clear();
-        group->searchSteps_ = 0;
-    };
     try {
-        const bool wasTombstone = IsTombstone(group->GetTable(), source.GetCloudId());
-        *group = source;
-        if (!keepId) DropId(*group, wasTombstone);
-        detachPoints();
-        // The assignment brought the source's drawing, but no usage of it.
-        if (group->TargetDrawing != drawing) {
-            COrkaEng::AddDrawingRefUsage(group->TargetDrawing);
-            COrkaEng::SubDrawingRefUsage(drawing);
-        }
-    } catch (...) {
-        detachPoints();  // they are the source's
-        group->TargetDrawing = drawing;
+        // A value apart lists no points, which are the source's, and has no id: an id that is given before
+        // all else is copied would take the place of a deletion that waits here, also when the copy then
+        // fails.
+        CGrpGps value(source);
+        value.AzzeraPunSet();
+        value.PunList.clear();
+        value.moves_.Clear();
+        value.searchSteps_ = 0;
+        value.SetCloudId(0);
+        // Destroyed, the value gives a usage back; the source has one, so that another needs no memory.
+        COrkaEng::AddDrawingRefUsage(value.TargetDrawing);
+        *group = value;
+        value.TargetDrawing = drawing;  // the usages change hands
+        if (keepId) group->CCloudItem::operator=(source);
+    } catch (const std::bad_alloc&) {
         DelGrpAt(GetGrpArSize() - 1);
-        throw;
+        return nullptr;
     }
     return group;
 }
 
-// Appends a copy of a point of another field book to group g; nothing when it cannot be made.
+// Appends a copy of a point of another field book to group g; nothing when there is no memory for it.
 void CLibGps::CopyPunFrom(const CPunGps& source, int g, bool fromCloud, bool keepId) {
-    // A value apart has its id and its owner right before the table and the look-ups learn of it.
-    CPunGps value(source);
-    value.Group = GetGrpAt(g);
-    if (!keepId) value.SetCloudId(0);
-    CPunGps* point = OrNull([&] { return AddPun(g, fromCloud); });
-    if (!point) return;
+    CPunGps* point = nullptr;
     try {
+        // A value apart has its id and its owner right before the table and the look-ups learn of it.
+        CPunGps value(source);
+        value.Group = GetGrpAt(g);
+        if (!keepId) value.SetCloudId(0);
+        point = AddPun(g, fromCloud);
         *point = value;
-    } catch (...) {
-        DelPunAt(g, GetPunArSize(g) - 1);
-        throw;
+    } catch (const std::bad_alloc&) {
+        if (point) DelPunAt(g, GetPunArSize(g) - 1);
     }
 }
 

@@ -215,14 +215,18 @@ public:
 
     // --- other field books (gps/cloud) ---------------------------------------------------------------------
 
-    /// Appends copies of all groups and points of another field book, as new ones without cloud id. A group
-    /// or point that cannot be made is passed over. Nothing for null. Intended: a copied group keeps the
-    /// creator device of the source.
+    // A group or point that memory does not suffice for is left out, a group with its points; nobody is told:
+    // who wants to know counts.
+
+    /// Appends copies of all groups and points of another field book, as new ones without cloud id. Nothing
+    /// for null. Intended: a copied group keeps the creator device of the source.
     void ImportCloudItems(CLibGps* source);
 
     /// Merges another copy of the same cloud project: what is known here by its cloud id has its gaps filled
-    /// (Merge of the tables), what is not is copied and keeps its cloud id. Nothing without a cloud project,
-    /// or for null. Intended: items without cloud id are added again at every call.
+    /// (Merge of the tables; std::bad_alloc leaves when memory ends there), what is not is copied and keeps
+    /// its cloud id. What was deleted here while the other copy still has it comes back, and its deletion is
+    /// not sent any more. Nothing without a cloud project, or for null. Intended: items without cloud id are
+    /// added again at every call.
     void MergeCloudItems(CLibGps* source);
 
     // --- options -------------------------------------------------------------------------------------------
