@@ -1,5 +1,6 @@
 #include "gps/cloud/ReplyValues.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <system_error>
@@ -42,9 +43,13 @@ Integer ToInteger(std::string_view text) {
     return value;
 }
 
-/// Of a decimal number that no double holds: it is too large, not too small.
-bool IsTooLarge(std::string_view digits) {
-    // The power of ten of the first digit that is not 0 decides, with the exponent.
+constexpr bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+
+/// Of a number that no double holds: it is too large, not too small. `hex`: of hexadecimal digits, each four
+/// of the powers of two that the exponent counts.
+bool IsTooLarge(std::string_view digits, bool hex) {
+    // The power of the first digit that is not 0 decides, with the exponent.
+    const int perDigit = hex ? 4 : 1;
     long long power = 0;
     bool behindPoint = false, begun = false;
     std::size_t at = 0;
@@ -52,22 +57,18 @@ bool IsTooLarge(std::string_view digits) {
         const char c = digits[at];
         if (c == '.' && !behindPoint) {
             behindPoint = true;
-        } else if (IsDigit(c)) {
+        } else if (hex ? IsHexDigit(c) : IsDigit(c)) {
             begun = begun || c != '0';
-            if (begun && !behindPoint) ++power;
-            if (!begun && behindPoint) --power;
+            if (begun && !behindPoint) power += perDigit;
+            if (!begun && behindPoint) power -= perDigit;
         } else {
             break;
         }
     }
-    if (at < digits.size() && (digits[at] == 'e' || digits[at] == 'E')) {
-        const int exponent = ToInteger<int>(digits.substr(at + 1));
-        power += exponent;
-    }
-    return power > 0;
+    const char letter = hex ? 'p' : 'e';
+    if (at < digits.size() && (digits[at] | 0x20) == letter) power += ToInteger<int>(digits.substr(at + 1));
+    return begun && power > 0;
 }
-
-constexpr bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 bool IsHex(std::string_view digits) {
     if (!digits.starts_with("0x") && !digits.starts_with("0X")) return false;
@@ -82,13 +83,17 @@ double ToDoubleOfAnyForm(std::string_view text) {
     // A second sign would be taken for that of the number.
     if (digits.empty() || digits.front() == '-') return 0;
     const bool hex = IsHex(digits);
-    if (hex) digits.remove_prefix(2);
+    if (hex) {
+        digits.remove_prefix(2);
+        // The standard library at hand takes a second sign in an exponent of hexadecimal digits.
+        digits = digits.substr(0, std::min(digits.find("p+-"), digits.find("P+-")));
+    }
     double value = 0;
     const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), value,
                                       hex ? std::chars_format::hex : std::chars_format::general);
     if (read.ec == std::errc::invalid_argument) return 0;
     if (read.ec == std::errc::result_out_of_range)
-        value = IsTooLarge(digits) ? std::numeric_limits<double>::infinity() : 0.0;
+        value = IsTooLarge(digits, hex) ? std::numeric_limits<double>::infinity() : 0.0;
     return number.negative ? -value : value;
 }
 

@@ -82,19 +82,44 @@ TEST(ReplyValues, RealNumbersBeyondTheirTypeAreInfiniteOrZero) {
     EXPECT_EQ(ToDouble("5e-324"), std::numeric_limits<double>::denorm_min());
 }
 
+TEST(ReplyValues, HexadecimalNumbersBeyondTheirTypeAreInfiniteOrZero) {
+    EXPECT_EQ(ToDouble("0x1p1024"), INFINITY);
+    EXPECT_EQ(ToDouble("-0x1p1024"), -INFINITY);
+    EXPECT_EQ(ToDouble("0X.0000001P2000"), INFINITY);
+    EXPECT_EQ(ToDouble("0x1" + std::string(300, '0')), INFINITY);
+    EXPECT_EQ(ToDouble("0x1p99999999999999999999"), INFINITY);
+    for (const char* zero : {"0x1p-2000", "0x8p-1080", "0x1p-1075", "-0xFFFFFFFFp-2000", "0x100000000p-1200",
+                             "0x1p-99999999999999999999", "0x0p2000", "0x0.00p99999999999999999999"})
+        EXPECT_EQ(ToDouble(zero), 0) << zero;
+    EXPECT_TRUE(std::signbit(ToDouble("-0x1p-2000")));
+    EXPECT_EQ(ToDouble("0x0." + std::string(300, '0') + "1"), 0);
+    EXPECT_EQ(ToDouble("0x1p-1074"), std::numeric_limits<double>::denorm_min());
+    EXPECT_EQ(ToDouble("0x1.fffffffffffffp1023"), std::numeric_limits<double>::max());
+    EXPECT_EQ(ToDouble("0x3p+-2"), 3) << "an exponent has one sign";
+    EXPECT_EQ(ToDouble("0x3P+-2"), 3);
+}
+
+void ExpectAsTheCLibraryReads(const std::string& text) {
+    const double expected = std::strtod(text.c_str(), nullptr), read = ToDouble(text);
+    ASSERT_TRUE(expected == read || (std::isnan(expected) && std::isnan(read)))
+        << '"' << text << "\" is " << expected << ", not " << read;
+}
+
 TEST(ReplyValues, RandomTextsAreReadAsTheCLibraryReadsThem) {
     std::mt19937 random(7);
-    const std::string letters = "0123456789012345678900..eE+-  xXinfa;N";
+    const std::string letters = "0123456789012345678900..eE+-  xXinfa;N",
+                      hexLetters = "01234567890000..eaFpP+-";
     const auto pick = [&](std::size_t n) {
         return std::uniform_int_distribution<std::size_t>(0, n - 1)(random);
     };
     const long count = Scaled(2'000'000);
     for (long i = 0; i < count; ++i) {
-        std::string text;
+        std::string text, hex = "0x";
         for (std::size_t n = pick(14); n > 0; --n) text += letters[pick(letters.size())];
-        const double expected = std::strtod(text.c_str(), nullptr), read = ToDouble(text);
-        ASSERT_TRUE(expected == read || (std::isnan(expected) && std::isnan(read)))
-            << '"' << text << "\" is " << expected << ", not " << read;
+        for (std::size_t n = pick(14); n > 0; --n) hex += hexLetters[pick(hexLetters.size())];
+        ExpectAsTheCLibraryReads(text);
+        ExpectAsTheCLibraryReads(hex);
+        if (testing::Test::HasFatalFailure()) return;
         ASSERT_EQ(ToInt64(text), std::strtoll(text.c_str(), nullptr, 10)) << '"' << text << '"';
     }
 }
