@@ -26,7 +26,7 @@ CCloudTable::CCloudTable(const CCloudTable& other)
       link_(new CCloudItem::TableLink{this}),
       lastTicket_(other.lastTicket_),
       added_(other.GetAdded()),
-      changed_(other.changed_),
+      changed_(other.GetChanged()),
       byId_(other.byId_),
       deleted_(other.deleted_),
       sent_(other.sent_ ? std::make_unique<Commit>(*other.sent_) : nullptr) {}
@@ -43,11 +43,11 @@ CCloudTable& CCloudTable::operator=(const CCloudTable& other) {
     added_ = other.GetAdded();
     addedGaps_ = 0;
     addedSorted_ = true;
-    changed_ = other.changed_;
+    changed_ = other.GetChanged();
     byId_ = other.byId_;
     deleted_ = other.deleted_;
     sent_ = other.sent_ ? std::make_unique<Commit>(*other.sent_) : nullptr;
-    changedLost_ = other.changedLost_;
+    changedLost_ = false;
     heldAdded_.clear();
     heldChanged_.clear();
     return *this;
