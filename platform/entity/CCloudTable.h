@@ -120,8 +120,10 @@ public:
     /// book closed, a table takes no confirmations. Ids of the added records in the order in which they were
     /// sent. An id below 1: refused, the item stays added. A record whose item is gone: the id becomes a
     /// tombstone and its deletion is queued. Else the item is known by its id and keeps only the bits set
-    /// since the commit began. A second call with the same ids changes nothing. Returns false, changing
-    /// nothing, when the number of ids is not the number of records or no commit is under way.
+    /// since the commit began. An id that another item holds is not given away: the item stays added.
+    /// `devId`: this device, which has created what it added (SetCloudCreatorDevId). A second call with the
+    /// same ids changes nothing. Returns false, changing nothing, when the number of ids is not the number of
+    /// records or no commit is under way.
     bool ConfirmAdded(const std::vector<long long>& ids, int devId);
 
     /// Clears, in each accepted record, the bits that were sent and not set again since.
