@@ -152,7 +152,7 @@ TEST(BaseReply, ConversionIsWrittenFieldByField) {
 TEST(BaseReply, OriginComesBackThroughTheNewProjection) {
     CloudBook book;
     Reply reply = GroupReply();
-    reply[16 + 1] = "0";  // WGS 84, which the projection is on
+    reply[16 + 1] = "2";  // International 1924, which the projection is on; a new group is on WGS 84
     reply[65] = "0";      // latitude of origin
     reply[68] = "0";      // false northing
     reply[70] = "45";
@@ -161,7 +161,7 @@ TEST(BaseReply, OriginComesBackThroughTheNewProjection) {
     double o1 = 0, o2 = 0, o3 = 0, o4 = 0;
     book.lib.GetGrpAt(0)->GetConvCoord()->GetConvLocal()->GetOrigin(o1, o2, o3, o4);
     EXPECT_NEAR(o1, 500000, 1e-6) << "on the central meridian";
-    EXPECT_NEAR(o2, 4982950.400, 1e-3) << "meridian arc to 45 degrees on WGS 84, times 0.9996";
+    EXPECT_NEAR(o2, 4983043.122, 1e-3) << "meridian arc to 45 degrees, times 0.9996; 4982950.400 on WGS 84";
     EXPECT_EQ(o3, 1000.5);
 }
 
@@ -202,6 +202,53 @@ TEST(BaseReply, NewGroupIsInStepThoughItsFieldsWereReported) {
     EXPECT_EQ(book.Changes(book.bases), "");
 }
 
+TEST(BaseReply, NewGroupHasItsIdAndCreatorBeforeItsFields) {
+    CloudBook book;
+    long calls = 0;
+    CCloudItem::SetObserver([&](const CCloudItem& item, std::uint32_t) {
+        ++calls;
+        EXPECT_EQ(item.GetCloudId(), 7);
+        EXPECT_EQ(item.GetCloudCreatorDevId(), 55);
+    });
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(GroupReply("7", "55")));
+    CCloudItem::SetObserver({});
+    EXPECT_GT(calls, 11);
+}
+
+TEST(BaseReply, IdsHave64Bits) {
+    CloudBook book;
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(GroupReply("4294967303")));
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(GroupReply("9223372036854775807")));
+    ASSERT_EQ(book.lib.GetGrpArSize(), 2);
+    EXPECT_EQ(book.lib.GetGrpAt(0)->GetCloudId(), 4294967303);
+    EXPECT_EQ(book.lib.GetGrpAt(1)->GetCloudId(), 9223372036854775807);
+    Reply reply = GroupReply("4294967303");
+    reply[2] = "renamed";
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(reply));
+    ASSERT_EQ(book.lib.GetGrpArSize(), 2);
+    EXPECT_EQ(book.lib.GetGrpAt(0)->GetNome(), "renamed");
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Del(Split("DEL;4294967303")));
+    ASSERT_EQ(book.lib.GetGrpArSize(), 1);
+    EXPECT_EQ(book.lib.GetGrpAt(0)->GetCloudId(), 9223372036854775807);
+}
+
+TEST(BaseReply, ListenersFindTheReplyApplied) {
+    CloudBook book;
+    std::string told;
+    book.lib.AddListener([&](int, int, auto*) {
+        CCloudItem* item = nullptr;
+        told += book.bases.FindItem(7, item) && item == book.lib.GetGrpAt(0) && item ? "known " : "gone ";
+        if (CGrpGps* group = book.lib.GetGrpAt(0)) told += FieldsOf(book, *group, 0x401) + " ";
+    });
+    Reply reply = GroupReply();
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(reply));
+    reply[2] = "renamed";
+    reply[14] = "2.5";
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(reply));
+    EXPECT_TRUE(book.bases.UpdateSuccessful_Del(Split("DEL;7")));
+    EXPECT_EQ(told, "known BASE 1;1.8 known renamed;2.5 gone ");
+}
+
 // --- a known group
 // -----------------------------------------------------------------------------------------------
 
@@ -229,7 +276,7 @@ TEST(BaseReply, LocalNameAndPositionWin) {
     EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(GroupReply()));
     EXPECT_EQ(FieldsOf(book, *group, 0x5), "mine;1;2;3");
     EXPECT_EQ(";" + FieldsOf(book, *group, 0x1FFA), Fields(kGroup, 0x1FFA));
-    EXPECT_EQ(group->GetCloudFlag(), 0x5u) << "the mask is left as it stands";
+    EXPECT_EQ(group->GetCloudFlag(), 0x5u) << "what is not confirmed stays marked";
     EXPECT_EQ(book.bases.GetChanged().count(group), 1u);
 }
 
@@ -324,17 +371,28 @@ TEST(BaseReply, WholeNumbersTakeTheWidthOfTheirField) {
 }
 
 TEST(BaseReply, TokenMakesEveryRealFieldUnset) {
-    CloudBook book;
-    Reply reply = GroupReply();
-    for (const std::size_t i : {4u, 5u, 6u, 11u, 12u, 13u, 14u}) reply[i] = "NULLVAL";
-    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(reply));
-    CGrpGps& group = *book.lib.GetGrpAt(0);
-    for (const double value : {group.GetCoordX(), group.GetCoordY(), group.GetCoordZ(), group.GetBaseLat(),
-                               group.GetBaseLong(), group.GetBaseElev(), group.GetBaseAltAnt()})
-        EXPECT_EQ(value, 1.7e200);
-    reply[11] = "nullval";
-    EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(reply));
-    EXPECT_EQ(group.GetBaseLat(), 0);
+    const auto read = [](std::size_t field, const char* text) {
+        CloudBook book;
+        Reply reply = GroupReply();
+        reply[field] = text;
+        EXPECT_TRUE(book.bases.UpdateSuccessful_Edit(reply));
+        return std::string(Split(FieldsOf(book, *book.lib.GetGrpAt(0)))[field - 2].View());
+    };
+    int reals = 0;
+    for (const auto& [first, last] : {std::pair{4u, 6u},
+                                      {11u, 14u},
+                                      {21u, 22u},
+                                      {32u, 40u},
+                                      {43u, 51u},
+                                      {55u, 63u},
+                                      {65u, 75u},
+                                      {78u, 85u}})
+        for (std::size_t i = first; i <= last; ++i, ++reals) {
+            EXPECT_EQ(read(i, "NULLVAL"), "NULLVAL") << i;
+            if (i == 70 || i == 71) continue;  // a latitude of 0 goes through the projection
+            EXPECT_EQ(read(i, "nullval"), "0") << i;
+        }
+    EXPECT_EQ(reals, 55);
 }
 
 TEST(BaseReply, TextsMayBeOfAnyLength) {

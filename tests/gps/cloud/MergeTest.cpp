@@ -128,7 +128,8 @@ TEST(Merge, GisHandleBecomesTheDescriptor) {
         return two.Point().GetIdentDescr();
     };
     EXPECT_EQ(merged(-1, 0, -1, 7), 7);
-    EXPECT_EQ(merged(-1, 0, 42, 7), 7) << "its row comes after that of the descriptor";
+    EXPECT_EQ(merged(-1, 0, 42, 7), 7);
+    EXPECT_EQ(merged(-1, 0, 42, -1), -1) << "its turn comes after that of the descriptor";
     EXPECT_EQ(merged(42, 0, 43, 7), 7) << "a descriptor is no reason to keep it";
     EXPECT_EQ(merged(42, 0, 43, 0), 0) << "a handle of 0, too";
     EXPECT_EQ(merged(-1, 0, 43, 0), 0);
@@ -150,6 +151,16 @@ TEST(Merge, LabelsOfAGroupAreFilled) {
     two.MergeGroup();
     EXPECT_EQ(two.Group().GetOper() + two.Group().GetStrum() + two.Group().GetLocalita(),
               "operstrumlocalita");
+}
+
+TEST(Merge, EveryLabelIsFilledWhenItIsEmpty) {
+    TwoCopies two;
+    two.OtherGroup().SetLabels("oper", "strum", "data", "localita");
+    two.MergeGroup();
+    EXPECT_EQ(two.Group().GetOper(), "oper");
+    EXPECT_EQ(two.Group().GetStrum(), "strum");
+    EXPECT_EQ(two.Group().GetData(), "data");
+    EXPECT_EQ(two.Group().GetLocalita(), "localita");
 }
 
 TEST(Merge, FactorsAreEmptyAtExactlyOne) {
@@ -185,6 +196,9 @@ TEST(Merge, FlagsAreFilled) {
     EXPECT_TRUE(two.Group().GetGrpFlagRis());
     EXPECT_TRUE(two.Point().IsPrimaryPtDup());
     EXPECT_TRUE(two.Point().IsSecondaryPtDup());
+    two.OtherPoint().SetIsSecondaryPtDup(false);
+    two.MergeBoth();
+    EXPECT_TRUE(two.Point().IsSecondaryPtDup()) << "a mark stays";
 }
 
 TEST(Merge, FieldsOfRecordsAreNeverTouched) {
@@ -234,6 +248,15 @@ TEST(Merge, UnknownItemIsNull) {
     CGrpGps* group = two.there.AddGroup(70);
     CPunGps* point = two.there.AddPoint(0, 80);
     CGrpGps* fresh = two.there.AddGroup(0);
+    for (CEgn* egn : {static_cast<CEgn*>(group), static_cast<CEgn*>(point), static_cast<CEgn*>(fresh)})
+        egn->SetNote("there");
+    const auto fieldsHere = [&two] {
+        vex::String groupFields, pointFields;
+        two.here.bases.GetFields(two.Group(), 0x1FFF, groupFields);
+        two.here.points.GetFields(two.Point(), 0x1FFFF, pointFields);
+        return std::string(groupFields.View()) + "|" + std::string(pointFields.View());
+    };
+    const std::string before = fieldsHere();
     EXPECT_EQ(two.here.bases.Merge(group), nullptr);
     EXPECT_EQ(two.here.points.Merge(point), nullptr);
     EXPECT_EQ(two.here.bases.Merge(fresh), nullptr) << "id 0 is no id";
@@ -241,6 +264,15 @@ TEST(Merge, UnknownItemIsNull) {
     EXPECT_EQ(two.here.points.Merge(nullptr), nullptr);
     EXPECT_EQ(two.here.lib.GetGrpArSize(), 1);
     EXPECT_EQ(two.here.lib.GetPunArSize(0), 1);
+    EXPECT_EQ(fieldsHere(), before);
+    EXPECT_EQ(two.Group().GetNote() + two.Point().GetNote(), "");
+    EXPECT_EQ(two.here.bases.GetById().size(), 1u);
+    EXPECT_EQ(two.here.points.GetById().size(), 1u);
+    EXPECT_TRUE(two.here.bases.GetAdded().empty());
+    EXPECT_TRUE(two.here.bases.GetChanged().empty());
+    EXPECT_TRUE(two.here.points.GetAdded().empty());
+    EXPECT_TRUE(two.here.points.GetChanged().empty());
+    EXPECT_EQ(two.here.notified, 0);
 }
 
 TEST(Merge, TombstoneIsNull) {

@@ -166,6 +166,59 @@ TEST(PointReply, NewPointIsInStepThoughItsFieldsWereReported) {
     EXPECT_TRUE(book.points.GetAdded().empty());
 }
 
+TEST(PointReply, NewPointHasItsIdBeforeItsFields) {
+    CloudBook book;
+    book.AddGroup(7);
+    long calls = 0;
+    CCloudItem::SetObserver([&](const CCloudItem& item, std::uint32_t) {
+        ++calls;
+        EXPECT_EQ(item.GetCloudId(), 8);
+    });
+    EXPECT_TRUE(book.points.UpdateSuccessful_Edit(PointReply()));
+    CCloudItem::SetObserver({});
+    EXPECT_GT(calls, 15);
+}
+
+TEST(PointReply, IdsHave64Bits) {
+    CloudBook book;
+    book.AddGroup(2147483647);  // what 32 bits would make of the id below
+    book.AddGroup(4294967303);
+    EXPECT_TRUE(book.points.UpdateSuccessful_Edit(PointReply("4294967304", "4294967303")));
+    EXPECT_TRUE(book.points.UpdateSuccessful_Edit(PointReply("4294967305", "4294967303")));
+    EXPECT_EQ(book.lib.GetPunArSize(0), 0);
+    ASSERT_EQ(book.lib.GetPunArSize(1), 2);
+    EXPECT_EQ(book.lib.GetPunAt(1, 0)->GetCloudId(), 4294967304);
+    Reply reply = PointReply("4294967305", "4294967303");
+    reply[2] = "renamed";
+    EXPECT_TRUE(book.points.UpdateSuccessful_Edit(reply));
+    ASSERT_EQ(book.lib.GetPunArSize(1), 2);
+    EXPECT_EQ(book.lib.GetPunAt(1, 1)->GetNome(), "renamed");
+    EXPECT_TRUE(book.points.UpdateSuccessful_Del(Split("DEL;4294967304")));
+    ASSERT_EQ(book.lib.GetPunArSize(1), 1);
+    EXPECT_EQ(book.lib.GetPunAt(1, 0)->GetCloudId(), 4294967305);
+}
+
+TEST(PointReply, ListenersFindTheReplyApplied) {
+    CloudBook book;
+    book.AddGroup(7);
+    std::string told;
+    book.lib.AddListener([&](int, int, auto*) {
+        CCloudItem* item = nullptr;
+        CPunGps* point = book.lib.GetPunAt(0, 0);
+        told += book.points.FindItem(8, item) && item == point && item ? "known " : "gone ";
+        if (point) told += FieldsOf(book, *point, 0x10001) + " ";
+    });
+    Reply reply = PointReply();
+    EXPECT_TRUE(book.points.UpdateSuccessful_Edit(reply));
+    reply[2] = "renamed";
+    for (std::size_t i = 23; i < 29; ++i) reply[i] = "0";
+    EXPECT_TRUE(book.points.UpdateSuccessful_Edit(reply));
+    EXPECT_TRUE(book.points.UpdateSuccessful_Del(Split("DEL;8")));
+    EXPECT_EQ(told,
+              "known P 100;250000000;-2000000;0;1000000000;500000000;125000000 "
+              "known renamed;0;0;0;0;0;0 gone ");
+}
+
 // --- a known point
 // -----------------------------------------------------------------------------------------------
 
