@@ -63,7 +63,7 @@ void CGpsPntCloudTable::GenerateCommitString_Change(vex::String& records) {
 }
 
 void CGpsPntCloudTable::GenerateCommitString_Add(int& counter, vex::String& records) {
-    // Intended: the counter as it stands on entry, for all of them: the groups' records are the last before.
+    // Intended: one counter for all points, that of the records before the first: the groups' are the last.
     WriteRecords(records, GetAdded(), ItemTextBytes, [&](char* line, CCloudItem* item) {
         const CPunGps& point = *PunOf(item);
         char* end = AppendBytes(line, "IPTGPS");

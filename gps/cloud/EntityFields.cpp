@@ -59,6 +59,6 @@ void FillEntityGaps(CEgn& local, const CEgn& incoming) {
     };
     if (local.GetIdentDescr() == -1) setDescr(incoming.GetIdentDescr());
     // Intended: the incoming GIS handle, 0 too, becomes the descriptor id of an entity without GIS handle,
-    // which keeps none. Projects in use rely on it to find the object.
+    // which keeps none: the other copy's reference to the object is not lost.
     if (local.GetGisHandle() == 0) setDescr(incoming.GetGisHandle());
 }
