@@ -25,8 +25,27 @@ install(TARGETS ${gps_installed} EXPORT GpsSurveyTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# Headers for the library's own sources: what they declare is not exported.
+set(gps_own_headers
+  cloud/CommitLine.h
+  cloud/ConvCoordReply.h
+  cloud/EntityFields.h
+  cloud/ReplyValues.h
+  cloud/TableSteps.h
+  coords/TaggedText.h
+  model/EntityChanges.h
+  model/FindFromHint.h
+  model/PointSearch.h
+  options/StringResources.h
+  persist/MovedUsage.h
+  persist/OrNull.h
+  persist/RoomFor.h)
+foreach(header IN LISTS gps_own_headers)
+  list(APPEND gps_not_installed PATTERN "gps/${header}" EXCLUDE)
+endforeach()
 foreach(root IN LISTS gps_header_roots)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${root} DESTINATION ${gps_header_dir} FILES_MATCHING PATTERN "*.h")
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${root} DESTINATION ${gps_header_dir} FILES_MATCHING PATTERN "*.h"
+    ${gps_not_installed})
 endforeach()
 
 install(EXPORT GpsSurveyTargets NAMESPACE GpsSurvey:: DESTINATION ${gps_package_dir})

@@ -11,6 +11,7 @@ import argparse
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -56,8 +57,22 @@ def install(args):
     for header in ("gps/model/CPunGps.h", "platform/base/GpsValues.h"):
         if not (headers / header).is_file():
             sys.exit(f"{headers / header} was not installed")
+    expect_usable_headers(args, headers)
     if args.program:
         expect_stations(args)
+
+
+def expect_usable_headers(args, headers):
+    """What a header includes is installed, too, and what it declares is exported."""
+    included = {path.relative_to(headers).as_posix(): re.findall(r'^#include "(gps/.+)"', path.read_text(), re.M)
+                for path in headers.glob("gps/**/*.h")}
+    needed = {name for names in included.values() for name in names}
+    if missing := sorted(needed - included.keys()):
+        sys.exit(f"{missing} are included, and were not installed")
+    for header in sorted(included.keys() - needed):
+        source = args.source / header
+        if source.with_suffix(".cpp").is_file() and "GPS_API" not in source.read_text():
+            sys.exit(f"{header} was installed, though what {source.with_suffix('.cpp').name} defines is not exported")
 
 
 def expect_stations(args):
