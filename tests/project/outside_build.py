@@ -72,7 +72,7 @@ def expect_usable_headers(args, headers):
     for header in sorted(included.keys() - needed):
         source = args.source / header
         if source.with_suffix(".cpp").is_file() and "GPS_API" not in source.read_text():
-            sys.exit(f"{header} was installed, though what {source.with_suffix('.cpp').name} defines is not exported")
+            sys.exit(f"{header} was installed, though what its source defines is not exported")
 
 
 def expect_stations(args):
