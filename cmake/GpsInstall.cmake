@@ -1,4 +1,4 @@
-# What `cmake --install` leaves behind: libraries, headers as they stand in the tree, and the two ways to find
+# What `cmake --install` leaves behind: libraries, public headers as they stand in the tree, and the two ways to find
 # them, find_package(GpsSurvey) and pkg-config gps-survey.
 #
 # With a platform of the host's own (GPS_PLATFORM_TARGET) only GpsSurvey::gps is exported: the headers of

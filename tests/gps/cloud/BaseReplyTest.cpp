@@ -438,6 +438,28 @@ TEST(BaseReply, NullDatumTakesNothing) {
     EXPECT_EQ(datum.GetNome(), "x");
 }
 
+TEST(BaseReply, ValuesMadeByHandAreStoredAsThoseOfAReply) {
+    CloudBook book;
+    CConvCoord& conversion = *book.AddGroup(7)->GetConvCoord();
+    CGpsBaseCloudTable::TConvCoordValues values;
+    values.S1 = 5;
+    values.S3 = 2;
+    values.S4 = 3;
+    values.DtBaseGps.Nome = "own";
+    values.MapTpDtBaseGps = 2;
+    values.MapDatum.Nome = "selected";
+    values.MapDtBaseGps.Nome = "library";
+    values.TpCalcPt = 1;
+    book.bases.SetConvCoord(&conversion, values);
+    EXPECT_EQ(conversion.GetImp(1), 5);
+    EXPECT_EQ(conversion.GetConvDtBaseGps()->GetNome(), "own");
+    ASSERT_EQ(book.map.GetDatArSize(2, 3), 1);
+    EXPECT_EQ(book.map.GetDatAt(2, 3, 0)->GetNome(), "selected");
+    EXPECT_EQ(book.map.GetTpDtBaseGps(), 2);
+    EXPECT_EQ(book.map.GetConvDtBaseGps()->GetNome(), "library");
+    EXPECT_EQ(conversion.GetConvAltez()->GetTpCalcPt(), 1);
+}
+
 TEST(BaseReply, ConversionWithoutMapLibraryTakesTheRest) {
     CLibGps lib(nullptr, nullptr, nullptr, nullptr, 0);
     BaseTable table;
