@@ -49,6 +49,12 @@ struct MemoryStore::Content {
 MemoryStore::MemoryStore() = default;
 MemoryStore::~MemoryStore() = default;
 
+std::unique_ptr<MemoryStore> MemoryStore::Copy() const {
+    auto copy = std::make_unique<MemoryStore>();
+    for (const auto& content : projects_) copy->projects_.push_back(std::make_unique<Content>(*content));
+    return copy;
+}
+
 void MemoryStore::Begin(Access) { open_ = true; }
 
 void MemoryStore::Commit() {
@@ -136,10 +142,10 @@ void MemoryStore::AddCommit(std::int64_t project, const StoredCommit& commit) {
     Put(Of(project).commits, commit.id, commit);
 }
 
-std::string MemoryStore::CommitOfRevision(std::int64_t project, std::int64_t revision) {
+std::string MemoryStore::HeadOf(std::int64_t project, std::int64_t revision) {
     if (revision < 1) return {};  // commits of which nothing was taken
     for (const auto& [id, commit] : Of(project).commits)
-        if (commit.revision == revision) return id;
+        if (commit.revision == revision) return commit.head;
     return {};
 }
 

@@ -14,6 +14,9 @@ public:
     MemoryStore();
     ~MemoryStore() override;
 
+    /// What is in it now. Requires: no transaction is open.
+    std::unique_ptr<MemoryStore> Copy() const;
+
     void Begin(Access access) override;
     void Commit() override;
     void Rollback() noexcept override;
@@ -27,7 +30,7 @@ public:
     void SetDeviceName(std::int64_t project, std::int32_t device, const std::string& name) override;
     std::optional<StoredCommit> FindCommit(std::int64_t project, const std::string& id) override;
     void AddCommit(std::int64_t project, const StoredCommit& commit) override;
-    std::string CommitOfRevision(std::int64_t project, std::int64_t revision) override;
+    std::string HeadOf(std::int64_t project, std::int64_t revision) override;
 
     bool FindItem(std::int64_t project, CloudKind kind, std::int64_t id, StoredItem& item) override;
     void AddItem(std::int64_t project, const StoredItem& item) override;

@@ -25,7 +25,8 @@ PullReader::PullReader(SyncStore& store, const StoredProject& project, const Pul
 
 PullPage PullReader::Read() {
     page_.upTo = window_.upTo;
-    page_.head = store_.CommitOfRevision(project_.number, page_.upTo);
+    page_.newest = project_.revision;
+    page_.head = store_.HeadOf(project_.number, page_.newest);
     while (page_.replies.size() < pageSize_ && place_.stage < kStages) {
         const std::size_t limit = pageSize_ - page_.replies.size();
         const CloudKind kind = place_.stage % 2 == 0 ? CloudKind::group : CloudKind::point;

@@ -94,7 +94,8 @@ std::string StoreSchema() {
            "name TEXT NOT NULL, PRIMARY KEY (project, device)) STRICT, WITHOUT ROWID;"
            "CREATE TABLE commits (number INTEGER PRIMARY KEY, project INTEGER NOT NULL, "
            "id TEXT NOT NULL CHECK (length(id) = 32), device INTEGER NOT NULL, "
-           "revision INTEGER NOT NULL CHECK (revision >= 0), last_id INTEGER NOT NULL, digest TEXT NOT NULL, "
+           "revision INTEGER NOT NULL CHECK (revision >= 0), head TEXT NOT NULL, "
+           "last_id INTEGER NOT NULL, digest TEXT NOT NULL, "
            "answer TEXT NOT NULL, UNIQUE (project, id)) STRICT;"
            "CREATE INDEX commits_by_revision ON commits (project, revision);" +
            ItemTable("groups", CloudKind::group) + ItemTable("points", CloudKind::point) +

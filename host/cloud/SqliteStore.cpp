@@ -222,12 +222,13 @@ struct SqliteStore::Connection {
                                   "INSERT OR REPLACE INTO devices (project, device, name) VALUES (?, ?, ?)"};
     SqliteStatement findCommit{
         file, kRead,
-        "SELECT device, revision, last_id, digest, answer FROM commits WHERE project = ? AND id = ?"};
-    SqliteStatement addCommit{file, kWrite,
-                              "INSERT INTO commits (project, id, device, revision, last_id, digest, answer) "
-                              "VALUES (?, ?, ?, ?, ?, ?, ?)"};
-    SqliteStatement commitOfRevision{
-        file, kRead, "SELECT id FROM commits WHERE project = ?1 AND revision = ?2 AND revision >= 1"};
+        "SELECT device, revision, head, last_id, digest, answer FROM commits WHERE project = ? AND id = ?"};
+    SqliteStatement addCommit{
+        file, kWrite,
+        "INSERT INTO commits (project, id, device, revision, head, last_id, digest, answer) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"};
+    SqliteStatement headOf{file, kRead,
+                           "SELECT head FROM commits WHERE project = ?1 AND revision = ?2 AND revision >= 1"};
     SqliteStatement lastId{file, kRead,
                            "SELECT last_id FROM commits WHERE project = ? AND revision BETWEEN 1 AND ? "
                            "ORDER BY revision DESC LIMIT 1"};
@@ -361,6 +362,7 @@ std::optional<StoredCommit> SqliteStore::FindCommit(std::int64_t project, const 
     commit.id = id;
     commit.device = run.Device();
     commit.revision = run.Whole();
+    commit.head = run.Text();
     commit.lastId = run.Whole();
     commit.digest = run.Text();
     commit.answer = run.Text();
@@ -370,12 +372,13 @@ std::optional<StoredCommit> SqliteStore::FindCommit(std::int64_t project, const 
 void SqliteStore::AddCommit(std::int64_t project, const StoredCommit& commit) {
     SqliteRun(connection_->addCommit)
         .With(project, std::string_view(commit.id), std::int64_t{commit.device}, commit.revision,
-              commit.lastId, std::string_view(commit.digest), std::string_view(commit.answer))
+              std::string_view(commit.head), commit.lastId, std::string_view(commit.digest),
+              std::string_view(commit.answer))
         .Finish();
 }
 
-std::string SqliteStore::CommitOfRevision(std::int64_t project, std::int64_t revision) {
-    SqliteRun run(connection_->commitOfRevision);
+std::string SqliteStore::HeadOf(std::int64_t project, std::int64_t revision) {
+    SqliteRun run(connection_->headOf);
     return run.With(project, revision).Next() ? std::string(run.Text()) : std::string();
 }
 

@@ -85,6 +85,9 @@ void Pull(Project& project, Transport& transport, const Sender& sender, SyncRepo
         report.taken.deleted += taken.deleted;
         report.conflicts += taken.conflicts;
         if (page.last) break;
+        const PullRequest now = cloud.GetPullRequest();
+        request.known = now.known;
+        request.head = now.head;
         request.upTo = page.upTo;
         request.next = page.next;
         project.GetEdits().CommitIfDue();

@@ -71,21 +71,26 @@ void CheckCommit(const CloudCommit& commit) {
                              "this one has with import-book --as-new: what both have is there twice then");
 }
 
-// `base`: up to which a book knows the project, and `own`, its own revisions behind that.
-void CheckRevisions(const StoredProject& project, std::int64_t base, const std::vector<std::int64_t>& own) {
-    if (base < 0) throw TransportError(Kind::refused, "a revision is 0 or more");
-    const std::int64_t newest =
-        own.empty() ? base : std::max(base, *std::max_element(own.begin(), own.end()));
+// The newest revision that a commit or a pull tells that its book knows.
+template <class Request>
+std::int64_t NewestOf(const Request& request) {
+    std::int64_t newest = std::max(request.revision, request.known);
+    for (const std::int64_t own : request.own) newest = std::max(newest, own);
+    return newest;
+}
+
+// A head is random and given once: where the newest revision that the book knows has the same, all before it
+// is the same too. The id of a commit would not do: one that was sent again may stand behind others there.
+template <class Request>
+void CheckKnown(SyncStore& store, const StoredProject& project, const Request& request) {
+    if (request.revision < 0) throw TransportError(Kind::refused, "a revision is 0 or more");
+    const std::int64_t newest = NewestOf(request);
     if (newest > project.revision)
         RefuseAsOlder(project, "is at revision " + std::to_string(project.revision) +
                                    ", but the book knows revision " + std::to_string(newest) +
                                    ": the store was put back to an earlier state");
-}
-
-// `head`: the commit that a book takes for its base. Another one there: the same number is another state.
-void CheckHead(SyncStore& store, const StoredProject& project, std::int64_t base, const std::string& head) {
-    if (head.empty() || store.CommitOfRevision(project.number, base) == head) return;
-    RefuseAsOlder(project, "has another revision " + std::to_string(base) +
+    if (request.head.empty() || store.HeadOf(project.number, newest) == request.head) return;
+    RefuseAsOlder(project, "has another revision " + std::to_string(newest) +
                                " than the one that the book knows: the store was put back to an earlier "
                                "state, and has gone on since");
 }
@@ -143,13 +148,13 @@ CommitAnswer SyncServer::Commit(const std::string& projectKey, const Sender& sen
                                                     " that is kept cannot be read; check the store");
         return std::move(*answer);
     }
-    CheckRevisions(project, commit.revision, commit.own);
-    CheckHead(*store_, project, commit.revision, commit.head);
+    CheckKnown(*store_, project, commit);
     if (store_->DeviceName(project.number, sender.device) != sender.author)
         store_->SetDeviceName(project.number, sender.device, sender.author);
     CommitAnswer answer = CommitTaker(*store_, project, sender.device).Take(commit);
+    if (answer.revision > 0) answer.head = RandomHex();
     store_->AddCommit(project.number, {commit.id, sender.device, answer.revision, project.lastId, digest,
-                                       EncodeAnswer(answer)});
+                                       EncodeAnswer(answer), answer.head});
     transaction.Commit();
     return answer;
 }
@@ -159,9 +164,8 @@ PullPage SyncServer::Pull(const std::string& projectKey, const Sender& sender, c
     const std::scoped_lock lock(mutex_);
     StoreTransaction transaction(*store_, SyncStore::Access::read);
     const StoredProject project = Find(projectKey);
-    CheckRevisions(project, request.revision, request.own);
-    CheckRevisions(project, request.upTo, {});
-    CheckHead(*store_, project, request.revision, request.head);
+    CheckKnown(*store_, project, request);
+    CheckKnown(*store_, project, PullRequest{request.upTo, {}, {}, 0, {}});
     PullPage page = PullReader(*store_, project, request, pageSize_).Read();
     transaction.Commit();
     return page;

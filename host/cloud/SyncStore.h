@@ -80,6 +80,7 @@ struct StoredCommit {
     std::int64_t lastId = 0;  // of the project, with it
     std::string digest;       // of what was asked
     std::string answer;
+    std::string head;  // of the revision
 };
 
 /// What a pull is about: newer than `revision`, not only by the revisions `own`, made up to `upTo`.
@@ -136,8 +137,8 @@ public:
 
     virtual std::optional<StoredCommit> FindCommit(std::int64_t project, const std::string& id) = 0;
     virtual void AddCommit(std::int64_t project, const StoredCommit& commit) = 0;
-    /// Id of the commit that became a revision; empty: there is none.
-    virtual std::string CommitOfRevision(std::int64_t project, std::int64_t revision) = 0;
+    /// Head of a revision; empty: there is none.
+    virtual std::string HeadOf(std::int64_t project, std::int64_t revision) = 0;
 
     // --- of a project: items ---------------------------------------------------------------------------
 

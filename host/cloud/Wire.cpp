@@ -151,20 +151,19 @@ std::string EncodeAnswer(const CommitAnswer& answer) {
     for (const RefusedRecord& record : answer.refused)
         refused.push_back({{"number", record.number}, {"reason", record.reason}});
     for (const CloudClash& clash : answer.clashes) clashes.push_back(ToJson(clash));
-    const Json json = {{"commit", answer.commit},
-                       {"revision", answer.revision},
-                       {"ids", answer.ids},
-                       {"refused", std::move(refused)},
-                       {"clashes", std::move(clashes)}};
+    const Json json = {{"commit", answer.commit},       {"revision", answer.revision},
+                       {"head", answer.head},           {"ids", answer.ids},
+                       {"refused", std::move(refused)}, {"clashes", std::move(clashes)}};
     return Written(json);
 }
 
 std::optional<CommitAnswer> DecodeAnswer(std::string_view text) {
     return Decoded(text, [](const Json& json) {
-        RequireObject(json, 5);
+        RequireObject(json, 6);
         CommitAnswer answer;
         answer.commit = Text(Member(json, "commit"));
         answer.revision = Whole<std::int64_t>(Member(json, "revision"));
+        answer.head = Text(Member(json, "head"));
         const Json& ids = Array(Member(json, "ids"));
         answer.ids.reserve(ids.size());
         for (const Json& id : ids) answer.ids.push_back(Whole<std::int64_t>(id));
@@ -179,6 +178,7 @@ std::string EncodePage(const PullPage& page) {
     for (const CloudReply& reply : page.replies) replies.push_back(ToJson(reply));
     for (const auto& [device, author] : page.authors) authors[std::to_string(device)] = author;
     const Json json = {{"upTo", page.upTo},
+                       {"newest", page.newest},
                        {"head", page.head},
                        {"last", page.last},
                        {"next", page.next},
@@ -189,9 +189,10 @@ std::string EncodePage(const PullPage& page) {
 
 std::optional<PullPage> DecodePage(std::string_view text) {
     return Decoded(text, [](const Json& json) {
-        RequireObject(json, 6);
+        RequireObject(json, 7);
         PullPage page;
         page.upTo = Whole<std::int64_t>(Member(json, "upTo"));
+        page.newest = Whole<std::int64_t>(Member(json, "newest"));
         page.head = Text(Member(json, "head"));
         const Json& last = Member(json, "last");
         Require(last.is_boolean());

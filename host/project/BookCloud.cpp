@@ -171,7 +171,7 @@ bool BookCloud::BeginCommit(const std::string& id) {
     // What a damaged journal, or want of memory, may have left in the tables is not what this one sends.
     tables_.base.EndCommit();
     tables_.points.EndCommit();
-    CloudCommit commit{id, state_.revision, state_.head, state_.own, {}};
+    CloudCommit commit{id, state_.revision, state_.head, state_.own, {}, state_.known};
     {
         const Holding holding(tables_, FindHeld(book_, tables_));
         if (!HasToSend()) return false;
@@ -243,6 +243,7 @@ void BookCloud::Answered(const CommitAnswer& answer, int device) {
         AddTo(conflicts, lastConflict, std::move(conflict));
     }
     state_.own.reserve(state_.own.size() + 1);
+    state_.head.reserve(answer.head.size());
 
     // Confirmed twice is confirmed once: when memory ends in between, the answer can be taken again.
     const auto firstPoint = answer.ids.begin() + static_cast<std::ptrdiff_t>(tables_.base.GetSentAdded());
@@ -259,21 +260,35 @@ void BookCloud::Answered(const CommitAnswer& answer, int device) {
     state_.conflicts = std::move(conflicts);
     state_.lastConflict = lastConflict;
     state_.refusals = std::move(refusals);
-    if (answer.revision > 0) state_.own.push_back(answer.revision);
+    if (answer.revision > 0) {
+        state_.own.push_back(answer.revision);
+        Knows(answer.revision, answer.head);
+    }
     state_.commit.reset();
+}
+
+// A store that has this head at this revision has all that was before it.
+void BookCloud::Knows(std::int64_t revision, const std::string& head) {
+    if (revision < state_.known) return;
+    state_.head = head;
+    state_.known = revision;
 }
 
 // --- what others did -------------------------------------------------------------------------------------
 
 PullRequest BookCloud::GetPullRequest() const {
-    if (state_.again < 0) return {state_.revision, state_.head, state_.own, 0, {}};
+    if (state_.again < 0) return {state_.revision, state_.head, state_.own, 0, {}, state_.known};
     // What came in from a copy, or is lost here, may be what this book itself did or deleted since.
-    if (state_.again < state_.revision) return {state_.again, {}, {}, 0, {}};
-    return {state_.revision, state_.head, {}, 0, {}};
+    return {std::min(state_.again, state_.revision), state_.head, {}, 0, {}, state_.known};
 }
 
 void BookCloud::PullAgainFrom(std::int64_t revision) {
     if (state_.again < 0 || revision < state_.again) state_.again = revision;
+}
+
+void BookCloud::PullAgainAfter(const CloudState& copy) {
+    Knows(copy.known, copy.head);
+    PullAgainFrom(copy.revision);
 }
 
 BookCloud::Taken BookCloud::TakePage(const PullPage& page) {
@@ -304,18 +319,21 @@ BookCloud::Taken BookCloud::TakePage(const PullPage& page) {
 }
 
 void BookCloud::Apply(const PullPage& page, Taken& taken, std::size_t& done) {
+    const std::int64_t newest = std::max(page.newest, page.upTo);
+    state_.head.reserve(page.head.size());
     for (const CloudReply& reply : page.replies) {
         const std::string author = AuthorOf(page, reply.device);
         if (reply.deleted)
             ApplyDeletion(reply, author, page.upTo, taken);
         else
             ApplyEdit(reply, author, page.upTo, taken);
-        ++done;
+        // Also of a page that ends here: later edits build on what it has brought.
+        if (done++ == 0) Knows(newest, page.head);
         book_.SetModifiedFlag(true);
     }
+    Knows(newest, page.head);
     if (page.last) {
         state_.revision = page.upTo;
-        state_.head = page.head;
         state_.again = -1;
         std::erase_if(state_.own, [&](std::int64_t revision) { return revision <= page.upTo; });
     }

@@ -58,6 +58,8 @@ public:
     /// Items of a copy of the book came in (CLibGps::MergeCloudItems) that knew the project up to an older
     /// revision: what others did since then, deletions above all, is asked for once more. Save the book.
     void PullAgainFrom(std::int64_t revision);
+    /// The same; `copy` may also know later revisions than the book.
+    void PullAgainAfter(const CloudState& copy);
 
     struct Taken {
         int groups = 0, points = 0;  // new or changed
@@ -95,6 +97,7 @@ public:
 
 private:
     void Answered(const CommitAnswer& answer, int device);
+    void Knows(std::int64_t revision, const std::string& head);
     void Apply(const PullPage& page, Taken& taken, std::size_t& done);
     void ApplyEdit(const CloudReply& reply, const std::string& author, std::int64_t revision, Taken& taken);
     void ApplyDeletion(const CloudReply& reply, const std::string& author, std::int64_t revision,

@@ -15,11 +15,12 @@ enum class CloudKind : std::uint8_t { group = 3, point = 4 };
 
 /// What a book sends at once.
 struct CloudCommit {
-    std::string id;             // random, made by the book: 32 hexadecimal digits
-    std::int64_t revision = 0;  // up to which the book has taken what others changed
-    std::string head;  // the commit that became this revision, as the book knows it; empty: it does not
+    std::string id;                 // random, made by the book: 32 hexadecimal digits
+    std::int64_t revision = 0;      // up to which the book has taken what others changed
+    std::string head;               // of the revision `known`, as the book was told; empty: it knows none
     std::vector<std::int64_t> own;  // later revisions that are the book's own
     std::string records;            // "\r\n" between two
+    std::int64_t known = 0;         // the newest revision of which anything is in the book
 
     bool operator==(const CloudCommit&) const = default;
 };
@@ -53,6 +54,7 @@ struct CommitAnswer {
     std::vector<std::int64_t> ids;       // of the added records, in their order; 0: refused
     std::vector<RefusedRecord> refused;  // in the order of records; the others are done
     std::vector<CloudClash> clashes;
+    std::string head;  // random, of this revision alone: what has it has all that was before; empty: none
 
     bool operator==(const CommitAnswer&) const = default;
 };
@@ -71,20 +73,22 @@ struct CloudReply {
 
 struct PullRequest {
     std::int64_t revision = 0;      // what is newer is wanted
-    std::string head;               // as in a commit; empty: it is not known
+    std::string head;               // as in a commit
     std::vector<std::int64_t> own;  // but not what was changed only by these later revisions: the book's own
     std::int64_t upTo = 0;          // as the page before told; 0: this is the first
     std::string next;               // as the page before told
+    std::int64_t known = 0;         // as in a commit; also when `revision` is an older one once more
 };
 
 /// A part of what is newer: first groups, then points, then deletions.
 struct PullPage {
     std::int64_t upTo = 0;  // the book has this revision when it has taken the last page
-    std::string head;       // the commit that became this revision; empty: there is none yet
+    std::string head;       // of the newest revision, as in an answer; empty: there is none yet
     bool last = true;
     std::string next;  // where the next page begins
     std::vector<CloudReply> replies;
     std::map<std::int32_t, std::string> authors;  // names of the devices in `replies`
+    std::int64_t newest = 0;  // revision of the project when the page was made: it may tell of all until then
 
     bool operator==(const PullPage&) const = default;
 };

@@ -84,6 +84,7 @@ CloudConflict ReadConflict(ifpstream& in) {
 void WriteCommit(ofpstream& out, const CloudCommit& commit) {
     out.WriteString(commit.id);
     out.WriteInt64(commit.revision);
+    out.WriteInt64(commit.known);
     out.WriteString(commit.head);
     WriteList(out, commit.own, [&](std::int64_t revision) { out.WriteInt64(revision); });
     out.WriteString(commit.records);
@@ -93,6 +94,7 @@ CloudCommit ReadCommit(ifpstream& in) {
     CloudCommit commit;
     commit.id = in.ReadString();
     commit.revision = in.ReadInt64();
+    commit.known = in.ReadInt64();
     commit.head = in.ReadString();
     ReadList(in, commit.own, [&] { return in.ReadInt64(); });
     commit.records = in.ReadString();
@@ -108,6 +110,7 @@ void WriteAnswer(ofpstream& out, const CommitAnswer& answer) {
         out.WriteString(refused.reason);
     });
     WriteList(out, answer.clashes, [&](const CloudClash& clash) { WriteClash(out, clash); });
+    out.WriteString(answer.head);
 }
 
 CommitAnswer ReadAnswer(ifpstream& in) {
@@ -122,11 +125,13 @@ CommitAnswer ReadAnswer(ifpstream& in) {
         return refused;
     });
     ReadList(in, answer.clashes, [&] { return ReadClash(in); });
+    answer.head = in.ReadString();
     return answer;
 }
 
 void WritePage(ofpstream& out, const PullPage& page) {
     out.WriteInt64(page.upTo);
+    out.WriteInt64(page.newest);
     out.WriteString(page.head);
     out.WriteUChar(page.last ? 1 : 0);
     out.WriteString(page.next);
@@ -145,6 +150,7 @@ void WritePage(ofpstream& out, const PullPage& page) {
 PullPage ReadPage(ifpstream& in) {
     PullPage page;
     page.upTo = in.ReadInt64();
+    page.newest = in.ReadInt64();
     page.head = in.ReadString();
     page.last = in.ReadUChar() != 0;
     page.next = in.ReadString();
@@ -170,6 +176,7 @@ void WriteCloudState(ofpstream& out, const CloudState& state) {
     out.WriteString(state.link.project);
     out.WriteString(state.link.key);
     out.WriteInt64(state.revision);
+    out.WriteInt64(state.known);
     out.WriteString(state.head);
     WriteList(out, state.own, [&](std::int64_t revision) { out.WriteInt64(revision); });
     out.WriteInt64(state.again);
@@ -190,6 +197,7 @@ void ReadCloudState(ifpstream& in, CloudState& state) {
     state.link.project = in.ReadString();
     state.link.key = in.ReadString();
     state.revision = in.ReadInt64();
+    state.known = in.ReadInt64();
     state.head = in.ReadString();
     ReadList(in, state.own, [&] { return in.ReadInt64(); });
     state.again = in.ReadInt64();

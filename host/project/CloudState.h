@@ -55,7 +55,8 @@ struct CloudRefusal {
 struct CloudState {
     CloudLink link;
     std::int64_t revision = 0;          // all that others did until then is in the book
-    std::string head;                   // the commit that became this revision; empty: not known
+    std::int64_t known = 0;             // the newest one of which anything is in the book
+    std::string head;                   // of that one, as the server told; empty: there is none yet
     std::vector<std::int64_t> own;      // later ones, which are commits of this book
     std::int64_t again = -1;            // what came since then is wanted once more; -1: it is not
     std::optional<CloudCommit> commit;  // sent, or to be sent, and not answered

@@ -188,7 +188,7 @@ MergedItems MergeBook(Project& project, Project& other) {
     made.asNew = static_cast<std::int64_t>(theirs.base.GetAdded().size() + theirs.points.GetAdded().size());
     // What only the copy still had may have been deleted meanwhile.
     if (made.groups + made.points > made.asNew)
-        project.GetCloud().PullAgainFrom(other.GetCloud().GetState().revision);
+        project.GetCloud().PullAgainAfter(other.GetCloud().GetState());
     made.notTaken = Queued(theirs);
     const auto countChanged = [&](const CCloudTable& from, const CCloudTable& here) {
         for (const CCloudItem* item : from.GetChanged()) {

@@ -147,22 +147,43 @@ TEST_P(ServerCommit, BookThatMadeMoreThanTheProjectHasIsTold) {
     EXPECT_EQ(KindOfError([&] { server_.Send(1, 1, {Point(1)}, {2}); }), TransportError::Kind::older);
 }
 
-TEST_P(ServerCommit, BookThatKnowsAnotherCommitAsItsRevisionIsTold) {
-    gpssync::CloudCommit first = test::Commit(server_.NewId(), 0, Group());
-    server_.Get().Commit(server_.Key(), server_.Who(1), first);
+TEST_P(ServerCommit, BookThatKnowsAnotherHeadOfItsRevisionIsTold) {
+    const auto first = server_.Send(1, 0, {Group()});
     server_.Send(1, 1, {"UBAS;9;1;B"});  // nothing of it is taken
     gpssync::CloudCommit commit = test::Commit(server_.NewId(), 1, Point(1));
     const auto send = [&] { return server_.Get().Commit(server_.Key(), server_.Who(1), commit); };
     commit.head = std::string(32, 'b');
     EXPECT_EQ(KindOfError(send), TransportError::Kind::older);
-    commit.head = first.id;
+    commit.head = first.head;
     EXPECT_EQ(send().revision, 2);
     // None became revision 0, also not one of which nothing was taken.
     commit = test::Commit(server_.NewId(), 0, Point(1));
-    commit.head = "00000000000000000000000000000002";
+    commit.head = first.head;
     EXPECT_EQ(KindOfError(send), TransportError::Kind::older);
     commit.head.clear();
     EXPECT_EQ(send().revision, 3);
+}
+
+// What was taken in a revision that is not the base is in the book as well.
+TEST_P(ServerCommit, BookThatKnowsAnotherHeadOfALaterRevisionIsTold) {
+    const auto first = server_.Send(1, 0, {Group()});
+    const auto second = server_.Send(2, 1, {Point(1)});
+    for (const bool own : {false, true}) {
+        gpssync::CloudCommit commit = test::Commit(server_.NewId(), 1, "UPTGPS;2;1;ANNA");
+        if (own)
+            commit.own = {2};
+        else
+            commit.known = 2;
+        const auto send = [&] { return server_.Get().Commit(server_.Key(), server_.Who(1), commit); };
+        commit.head = first.head;
+        EXPECT_EQ(KindOfError(send), TransportError::Kind::older);
+        commit.head = second.head;
+        EXPECT_EQ(send().revision, own ? 4 : 3);
+        EXPECT_EQ(send().revision, own ? 4 : 3) << "it is answered again";
+        commit = test::Commit(server_.NewId(), 1, "UPTGPS;2;1;ANNA");
+        commit.known = 5;
+        EXPECT_EQ(KindOfError(send), TransportError::Kind::older);
+    }
 }
 
 // --- parents -----------------------------------------------------------------------------------------------

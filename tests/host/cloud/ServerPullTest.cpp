@@ -50,15 +50,22 @@ TEST_P(ServerPull, EmptyProjectGivesOneEmptyPage) {
     EXPECT_EQ(page.head, "");
 }
 
-TEST_P(ServerPull, PagesNameTheCommitThatBecameTheirRevision) {
+TEST_P(ServerPull, PagesNameTheNewestRevisionAndItsHead) {
     server_.Send(1, 0, {Group("B1")});
-    server_.Send(1, 1, {Point(1), Point(1), Point(1)});
-    server_.Send(1, 2, {"DEL;4;9"});  // nothing of it is taken
+    const auto points = server_.Send(1, 1, {Point(1), Point(1), Point(1)});
+    EXPECT_EQ(server_.Send(1, 2, {"DEL;4;9"}).head, "") << "nothing of it is taken";
     const PullPage first = Page({});
-    EXPECT_EQ(first.head, "00000000000000000000000000000002");
-    server_.Send(1, 2, {"UBAS;1;1;B2"});
-    EXPECT_EQ(Page({0, {}, {}, first.upTo, first.next}).head, first.head);
-    EXPECT_EQ(Page({}).head, "00000000000000000000000000000004");
+    EXPECT_EQ(first.head.size(), 32u);
+    EXPECT_EQ(first.head, points.head);
+    EXPECT_EQ(first.newest, 2);
+    const auto name = server_.Send(1, 2, {"UBAS;1;1;B2"});
+    EXPECT_NE(name.head, points.head);
+    // It gives what is changed between two pages as it is then.
+    const PullPage second = Page({0, {}, {}, first.upTo, first.next});
+    EXPECT_EQ(second.upTo, 2);
+    EXPECT_EQ(second.newest, 3);
+    EXPECT_EQ(second.head, name.head);
+    EXPECT_EQ(Page({}).head, name.head);
 }
 
 TEST_P(ServerPull, RepliesHaveAllFieldsAsTheRecordsHadThem) {
@@ -265,7 +272,11 @@ TEST_P(ServerPull, BookThatKnowsMoreThanTheProjectIsTold) {
     EXPECT_EQ(kind({0, {}, {2}, 0, ""}), TransportError::Kind::older);
     EXPECT_EQ(kind({1, "another", {}, 0, ""}), TransportError::Kind::older);
     EXPECT_EQ(kind({0, "another", {}, 0, ""}), TransportError::Kind::older);
+    EXPECT_EQ(kind({0, {}, {}, 0, "", 2}), TransportError::Kind::older);
+    EXPECT_EQ(kind({0, "another", {}, 0, "", 1}), TransportError::Kind::older);
+    EXPECT_EQ(kind({0, "another", {1}, 0, ""}), TransportError::Kind::older);
     EXPECT_EQ(kind({-1, {}, {}, 0, ""}), TransportError::Kind::refused);
+    EXPECT_EQ(kind({-1, {}, {}, 0, "", 1}), TransportError::Kind::refused);
     for (const std::string next : {"x", "1", "1:0", "1:0:1:", "1:0:1x", "4:0:0", "-1:0:0", "1:-1:0", "1::1",
                                    "1:0:99999999999999999999"})
         EXPECT_EQ(kind({0, {}, {}, 1, next}), TransportError::Kind::refused) << next;

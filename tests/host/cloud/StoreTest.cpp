@@ -75,7 +75,7 @@ StoredItem SomeItem(CloudKind kind, std::int64_t id, Mark mark) {
 }
 
 StoredCommit SomeCommit(char id, std::int64_t revision, std::int64_t lastId) {
-    return {std::string(32, id), 7, revision, lastId, "digest", "answer \xC3\xA8"};
+    return {std::string(32, id), 7, revision, lastId, "digest", "answer \xC3\xA8", std::string("head ") + id};
 }
 
 TEST_P(Store, ProjectIsFoundByNameAndByKeyAsItWasAdvanced) {
@@ -220,12 +220,13 @@ TEST_P(Store, CommitAndDeviceComeBack) {
     EXPECT_EQ(commit->lastId, 12);
     EXPECT_EQ(commit->digest, "digest");
     EXPECT_EQ(commit->answer, "answer \xC3\xA8");
+    EXPECT_EQ(commit->head, "head c");
     EXPECT_FALSE(store_->FindCommit(project_, std::string(32, 'd')));
     EXPECT_EQ(store_->DeviceName(project_, 7), "Anna B.");
     EXPECT_EQ(store_->DeviceName(project_, 8), "");
 }
 
-TEST_P(Store, CommitIsFoundByTheRevisionThatItBecame) {
+TEST_P(Store, HeadIsFoundByItsRevision) {
     Write([&] {
         store_->AddCommit(project_, SomeCommit('c', 0, 0));
         store_->AddCommit(project_, SomeCommit('d', 1, 4));
@@ -233,10 +234,10 @@ TEST_P(Store, CommitIsFoundByTheRevisionThatItBecame) {
         store_->AddCommit(store_->AddProject(std::string(32, 'b'), "tunnel").number, SomeCommit('e', 3, 4));
     });
     StoreTransaction transaction(*store_, SyncStore::Access::read);
-    EXPECT_EQ(store_->CommitOfRevision(project_, 0), "");
-    EXPECT_EQ(store_->CommitOfRevision(project_, 1), std::string(32, 'd'));
-    EXPECT_EQ(store_->CommitOfRevision(project_, 2), std::string(32, 'a'));
-    EXPECT_EQ(store_->CommitOfRevision(project_, 3), "");
+    EXPECT_EQ(store_->HeadOf(project_, 0), "");
+    EXPECT_EQ(store_->HeadOf(project_, 1), "head d");
+    EXPECT_EQ(store_->HeadOf(project_, 2), "head a");
+    EXPECT_EQ(store_->HeadOf(project_, 3), "");
 }
 
 TEST_P(Store, GroupsAtAPlaceAreThoseThatSelectItAndAreThere) {

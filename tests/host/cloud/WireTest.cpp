@@ -21,6 +21,7 @@ CommitAnswer SomeAnswer() {
     answer.refused = {{2, "field 3 (name): \"\xC3\xA8\" is \\ wrong\n"}};
     answer.clashes = {{CloudKind::group, 7, "B1", 4096, "1;2", "NULLVAL;-inf", 2147483647, "Zo\xC3\xAB", 5},
                       {CloudKind::point, 8, "", 0, "", "name, position", 1, "", 6}};
+    answer.head = "0123456789abcdef0123456789abcdef";
     return answer;
 }
 
@@ -29,12 +30,13 @@ const std::string kAnswer =
     R"({"clashes":[)"
     R"({"author":"Zoë","bit":4096,"device":2147483647,"id":7,"kind":3,"mine":"1;2","name":"B1","revision":5,"theirs":"NULLVAL;-inf"},)"
     R"({"author":"","bit":0,"device":1,"id":8,"kind":4,"mine":"","name":"","revision":6,"theirs":"name, position"}],)"
-    R"("commit":"00112233445566778899aabbccddeeff","ids":[1,0,9223372036854775807],)"
+    R"("commit":"00112233445566778899aabbccddeeff","head":"0123456789abcdef0123456789abcdef","ids":[1,0,9223372036854775807],)"
     R"("refused":[{"number":2,"reason":"field 3 (name): \"è\" is \\ wrong\n"}],"revision":9000000000000000001})";
 
 PullPage SomePage() {
     PullPage page;
     page.upTo = 12;
+    page.newest = 13;
     page.head = "ffeeddccbbaa99887766554433221100";
     page.last = false;
     page.next = "1:0:4";
@@ -45,7 +47,7 @@ PullPage SomePage() {
 }
 
 const std::string kPage =
-    R"({"authors":{"3":"Anna","4":"Bruno"},"head":"ffeeddccbbaa99887766554433221100","last":false,"next":"1:0:4","replies":[)"
+    R"({"authors":{"3":"Anna","4":"Bruno"},"head":"ffeeddccbbaa99887766554433221100","last":false,"newest":13,"next":"1:0:4","replies":[)"
     R"({"deleted":false,"device":3,"fields":["1","3","B;1"],"kind":3},)"
     R"({"deleted":true,"device":4,"fields":["DEL","2"],"kind":4}],"upTo":12})";
 
@@ -109,7 +111,7 @@ TEST(Wire, ValuesOfAnotherTypeOrOutOfRangeAreNoAnswer) {
         {"\"next\":\"1:0:4\"", "\"next\":null"}, {"\"upTo\":12", "\"upTo\":\"12\""},
         {"\"3\":\"Anna\"", "\"x\":\"Anna\""},    {"\"3\":\"Anna\"", "\"3\":5"},
         {"\"DEL\",\"2\"", "\"DEL\",2"},          {"\"kind\":4", "\"kind\":2"},
-        {"\"head\":\"ffee", "\"heap\":\"ffee"},
+        {"\"head\":\"ffee", "\"heap\":\"ffee"},  {"\"newest\":13", "\"newest\":-1.5"},
     };
     for (const auto& [what, instead] : pages) EXPECT_FALSE(DecodePage(With(kPage, what, instead))) << instead;
 }

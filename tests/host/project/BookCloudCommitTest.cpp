@@ -103,14 +103,16 @@ TEST_F(SettledShared, CommitNamesWhatTheBookKnowsOfTheProject) {
     test::RenamePoint(*project_, 0, 0, "first");
     ASSERT_TRUE(cloud_.BeginCommit(kCommit2));
     EXPECT_EQ(cloud_.GetCommit()->revision, 0);
-    EXPECT_EQ(cloud_.GetCommit()->head, "") << "nothing was pulled yet";
+    EXPECT_EQ(cloud_.GetCommit()->head, kCommit1) << "of its own revision";
+    EXPECT_EQ(cloud_.GetCommit()->known, 1);
     EXPECT_EQ(cloud_.GetCommit()->own, std::vector<std::int64_t>{1});
     ASSERT_TRUE(cloud_.TakeAnswer(AcceptAll(*project_, 3, 100), 1));
     cloud_.TakePage(test::PageOf(2, {}, kCommit1));
     test::RenamePoint(*project_, 0, 0, "second");
     ASSERT_TRUE(cloud_.BeginCommit(std::string(32, '3')));
     EXPECT_EQ(cloud_.GetCommit()->revision, 2);
-    EXPECT_EQ(cloud_.GetCommit()->head, kCommit1);
+    EXPECT_EQ(cloud_.GetCommit()->known, 3);
+    EXPECT_EQ(cloud_.GetCommit()->head, kCommit2);
     EXPECT_EQ(cloud_.GetCommit()->own, std::vector<std::int64_t>{3});
 }
 

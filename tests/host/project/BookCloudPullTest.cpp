@@ -41,6 +41,11 @@ protected:
     BookCloud& cloud_ = project_->GetCloud();
     CLibGps& book_ = project_->GetBook();
 
+    /// The newest revision that the server is told of, and its commit.
+    std::string Newest() {
+        const auto request = cloud_.GetPullRequest();
+        return std::to_string(request.known) + " " + request.head;
+    }
     const CCloudTable& Points() { return cloud_.GetTables().points; }
     const std::vector<gpsproject::CloudConflict>& Conflicts() { return cloud_.GetState().conflicts; }
 };
@@ -509,13 +514,68 @@ TEST_F(Pull, HeadMovesWithTheRevision) {
     PullPage page = PageOf(8, {PointReply(3, 1, "A1*")}, kCommit2);
     page.last = false;
     page.next = "somewhere";
+    EXPECT_EQ(Newest(), "1 " + test::kCommit1);
     cloud_.TakePage(page);
-    EXPECT_EQ(cloud_.GetPullRequest().head, "");
-    cloud_.TakePage(PageOf(8, {}, kCommit2));
-    EXPECT_EQ(cloud_.GetState().head, kCommit2);
-    EXPECT_EQ(cloud_.GetPullRequest().head, kCommit2);
+    EXPECT_EQ(Newest(), "8 " + kCommit2) << "what the page brought is in the book";
+    page.last = true;
+    page.newest = 9;
+    page.head = test::kCommit1;
+    cloud_.TakePage(page);
+    EXPECT_EQ(Newest(), "9 " + test::kCommit1) << "the last page may tell of later changes";
+    EXPECT_EQ(cloud_.GetState().revision, 8);
     cloud_.PullAgainFrom(5);
-    EXPECT_EQ(cloud_.GetPullRequest().head, "") << "of an older revision it is not known";
+    EXPECT_EQ(Newest(), "9 " + test::kCommit1) << "also when older ones are wanted once more";
+    EXPECT_EQ(cloud_.GetPullRequest().revision, 5);
+}
+
+TEST_F(Pull, AnswerIsTheNewestRevisionUntilAPageTellsOfALaterOne) {
+    test::RenamePoint(*project_, 0, 0, "A1*");
+    ASSERT_TRUE(cloud_.BeginCommit(kCommit2));
+    EXPECT_EQ(cloud_.GetCommit()->known, 1);
+    EXPECT_EQ(cloud_.GetCommit()->head, test::kCommit1);
+    ASSERT_TRUE(cloud_.TakeAnswer(AcceptAll(*project_, 6, 100), 1));
+    EXPECT_EQ(Newest(), "6 " + kCommit2);
+    cloud_.TakePage(PageOf(5, {}, test::kCommit1));
+    EXPECT_EQ(Newest(), "6 " + kCommit2) << "an own revision is left";
+    project_->GetEdits().Commit();
+    EXPECT_EQ(disk_.Open(Mode::read)->GetCloud().GetState().head, kCommit2);
+    cloud_.TakePage(PageOf(7, {}, test::kCommit1));
+    EXPECT_EQ(Newest(), "7 " + test::kCommit1);
+}
+
+TEST_F(Pull, AnswerOfWhichNothingWasTakenIsNoRevision) {
+    test::RenamePoint(*project_, 0, 0, "A1*");
+    ASSERT_TRUE(cloud_.BeginCommit(kCommit2));
+    auto answer = AcceptAll(*project_, 0, 100);
+    answer.refused = {{1, "no"}};
+    ASSERT_TRUE(cloud_.TakeAnswer(answer, 1));
+    EXPECT_EQ(Newest(), "1 " + test::kCommit1);
+}
+
+TEST_F(Pull, PageThatDoesNotFitIsKnownAsFarAsItWent) {
+    EXPECT_EQ(KindOf([&] { cloud_.TakePage(PageOf(8, {PointReply(20, 77, "lost")}, kCommit2)); }),
+              ProjectError::Kind::damaged);
+    EXPECT_EQ(Newest(), "1 " + test::kCommit1);
+    EXPECT_EQ(KindOf([&] {
+                  cloud_.TakePage(PageOf(8, {PointReply(19, 1, "A3"), PointReply(20, 77, "lost")}, kCommit2));
+              }),
+              ProjectError::Kind::damaged);
+    EXPECT_EQ(Newest(), "8 " + kCommit2);
+    project_->GetEdits().Commit();
+    EXPECT_EQ(disk_.Open(Mode::read)->GetCloud().GetState().known, 8);
+}
+
+TEST_F(Pull, CopyThatKnowsMoreTellsTheNewestRevision) {
+    gpsproject::CloudState copy;
+    copy.revision = 0;
+    copy.known = 0;
+    cloud_.PullAgainAfter(copy);
+    EXPECT_EQ(Newest(), "1 " + test::kCommit1);
+    copy.known = 4;
+    copy.head = kCommit2;
+    cloud_.PullAgainAfter(copy);
+    EXPECT_EQ(Newest(), "4 " + kCommit2);
+    EXPECT_EQ(cloud_.GetPullRequest().revision, 0);
 }
 
 TEST_F(Pull, EmptyPageThatTellsNothingNewIsNotNoted) {

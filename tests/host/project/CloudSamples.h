@@ -7,11 +7,12 @@
 namespace test {
 
 inline gpsproject::CloudCommit SampleCommit() {
-    return {"c0ffee", 41, "beef", {42, 44}, "DEL;3;1\r\nDEL;4;2"};
+    return {"c0ffee", 41, "beef", {42, 44}, "DEL;3;1\r\nDEL;4;2", 45};
 }
 
 inline Bytes CommitBytes() {
-    return Bytes().Text("c0ffee").I64(41).Text("beef").I64(2).I64(42).I64(44).Text("DEL;3;1\r\nDEL;4;2");
+    return Bytes().Text("c0ffee").I64(41).I64(45).Text("beef").I64(2).I64(42).I64(44).Text(
+        "DEL;3;1\r\nDEL;4;2");
 }
 
 inline gpsproject::CloudClash SampleClash() {
@@ -24,7 +25,7 @@ inline Bytes ClashBytes() {
 }
 
 inline gpsproject::CommitAnswer SampleAnswer() {
-    return {"c0ffee", 42, {9, 0, 10}, {{2, "no"}, {5, ""}}, {SampleClash(), {}}};
+    return {"c0ffee", 42, {9, 0, 10}, {{2, "no"}, {5, ""}}, {SampleClash(), {}}, "d0d0"};
 }
 
 /// Of a clash in which nothing is set: about a point.
@@ -47,7 +48,8 @@ inline Bytes AnswerBytes() {
         .Text("")
         .I64(2)
         .Raw(ClashBytes())
-        .Raw(EmptyClashBytes());
+        .Raw(EmptyClashBytes())
+        .Text("d0d0");
 }
 
 inline gpsproject::PullPage SamplePage() {
@@ -57,12 +59,14 @@ inline gpsproject::PullPage SamplePage() {
             false,
             "2:0:17",
             {{CloudKind::group, false, 2, {"1", "", "x;y"}}, {CloudKind::point, true, -1, {}}},
-            {{-1, "nobody"}, {2, "Bruno"}}};
+            {{-1, "nobody"}, {2, "Bruno"}},
+            51};
 }
 
 inline Bytes PageBytes() {
     return Bytes()
         .I64(50)
+        .I64(51)
         .Text("cafe")
         .U8(0)
         .Text("2:0:17")
@@ -89,6 +93,7 @@ inline gpsproject::CloudState SampleState() {
     gpsproject::CloudState state;
     state.link = {"/s/store", "site", "key"};
     state.revision = 40;
+    state.known = 44;
     state.head = "f00d";
     state.own = {41, 43};
     state.again = 12;
@@ -109,6 +114,7 @@ inline Bytes StateBytes() {
         .Text("site")
         .Text("key")
         .I64(40)
+        .I64(44)
         .Text("f00d")
         .I64(2)
         .I64(41)

@@ -133,16 +133,18 @@ const Values kNoClash{"4", "0", "", "0", "", "", "0", "", "0"};
 
 TEST(CloudStatePage, AnswerIsAsThePageSays) {
     const auto bytes = Written([](ofpstream& out) { WriteAnswer(out, test::SampleAnswer()); });
-    EXPECT_EQ(
-        Decoder(bytes).All("Answer"),
-        Joined({{"c0ffee", "42", "3", "9", "0", "10", "2", "2", "no", "5", "", "2"}, kClash, kNoClash}));
+    EXPECT_EQ(Decoder(bytes).All("Answer"),
+              Joined({{"c0ffee", "42", "3", "9", "0", "10", "2", "2", "no", "5", "", "2"},
+                      kClash,
+                      kNoClash,
+                      {"d0d0"}}));
 }
 
 TEST(CloudStatePage, PageIsAsThePageSays) {
     const auto bytes = Written([](ofpstream& out) { WritePage(out, test::SamplePage()); });
     EXPECT_EQ(Decoder(bytes).All("Page"),
-              (Values{"50",  "cafe", "0", "2:0:17", "2", "3", "0",  "2",      "3", "1",    "",
-                      "x;y", "4",    "1", "-1",     "0", "2", "-1", "nobody", "2", "Bruno"}));
+              (Values{"50", "51",  "cafe", "0", "2:0:17", "2", "3", "0",  "2",      "3", "1",
+                      "",   "x;y", "4",    "1", "-1",     "0", "2", "-1", "nobody", "2", "Bruno"}));
 }
 
 TEST(CloudStatePage, SectionIsAsThePageSays) {
@@ -156,8 +158,8 @@ TEST(CloudStatePage, SectionIsAsThePageSays) {
     ASSERT_TRUE(project.GetCloud().BeginCommit(test::kCommit2));
     const std::string records = project.GetCloud().GetCommit()->records;
     EXPECT_EQ(Decoder(test::CloudBytesOf(project)).All("Section"),
-              Joined({{"/s/store", "site", test::kLink.key, "0", "", "1", "1", "-1", "1"},
-                      {test::kCommit2, "0", "", "1", "1", records, "0", "0", "0"},
+              Joined({{"/s/store", "site", test::kLink.key, "0", "1", test::kCommit1, "1", "1", "-1", "1"},
+                      {test::kCommit2, "0", "1", test::kCommit1, "1", "1", records, "0", "0", "0"},
                       {"2", "0", "1", "0", "0", "0"},  // groups
                       {"4", "1", "5", "1", "1", "4", "1", "3", "1", "1", "5"}}));
 }
@@ -168,17 +170,18 @@ TEST(CloudStatePage, ConflictsAndRefusalsOfTheSectionAreAsThePageSays) {
     const std::string tables = test::CloudBytesOf(project).substr(
         Written([](ofpstream& out) { gpsproject::WriteCloudState(out, {}); }).size());
     const auto bytes = Written([](ofpstream& out) { WriteCloudState(out, test::SampleState()); }) + tables;
-    EXPECT_EQ(Decoder(bytes).All("Section"),
-              Joined({{"/s/store", "site", "key", "40", "f00d", "2", "41", "43", "12", "1"},
-                      {"c0ffee", "41", "beef", "2", "42", "44", "DEL;3;1\r\nDEL;4;2", "8", "3", "3", "0"},
-                      kClash,
-                      {"", "0", "", "0", "8", "2"},
-                      kNoClash,
-                      {"A", "1", std::string("\0\xFF", 2), "5", "7", "1"},
-                      kNoClash,
-                      {"", "0", "", "0", "2", "4", "0", "P1", "no", "3", "6", "", "not there"},
-                      {"0", "0", "0"},
-                      {"0", "0", "0"}}));
+    EXPECT_EQ(
+        Decoder(bytes).All("Section"),
+        Joined({{"/s/store", "site", "key", "40", "44", "f00d", "2", "41", "43", "12", "1"},
+                {"c0ffee", "41", "45", "beef", "2", "42", "44", "DEL;3;1\r\nDEL;4;2", "8", "3", "3", "0"},
+                kClash,
+                {"", "0", "", "0", "8", "2"},
+                kNoClash,
+                {"A", "1", std::string("\0\xFF", 2), "5", "7", "1"},
+                kNoClash,
+                {"", "0", "", "0", "2", "4", "0", "P1", "no", "3", "6", "", "not there"},
+                {"0", "0", "0"},
+                {"0", "0", "0"}}));
 }
 
 }  // namespace

@@ -77,6 +77,7 @@ TEST(CloudStateRecord, StateWithoutCommitHasNoRoomForOne) {
                                     .Text("p")
                                     .Text("k")
                                     .I64(0)
+                                    .I64(0)
                                     .Text("")
                                     .I64(0)
                                     .I64(-1)
@@ -96,11 +97,12 @@ Bytes SectionHead(bool commit, const std::string& records) {
         .Text("site")
         .Text(test::kLink.key)
         .I64(0)
+        .I64(0)
         .Text("")
         .I64(0)
         .I64(-1)
         .U8(commit ? 1 : 0);
-    if (commit) bytes.Text(test::kCommit1).I64(0).Text("").I64(0).Text(records);
+    if (commit) bytes.Text(test::kCommit1).I64(0).I64(0).Text("").I64(0).Text(records);
     return bytes.I32(0).I64(0).I64(0);  // conflicts, refusals
 }
 
@@ -138,10 +140,12 @@ TEST(CloudSection, CommitUnderWayHasIdsAndBitsOfChangesAndIdsOfDeletions) {
     ASSERT_TRUE(project.GetCloud().BeginCommit(test::kCommit2));
     test::DeletePoint(project, 0, 1);
     Bytes expected;
-    expected.Text("/s/store").Text("site").Text(test::kLink.key).I64(0).Text("").I64(1).I64(1).I64(-1).U8(1);
+    expected.Text("/s/store").Text("site").Text(test::kLink.key).I64(0).I64(1).Text(test::kCommit1);
+    expected.I64(1).I64(1).I64(-1).U8(1);
     expected.Text(test::kCommit2)
         .I64(0)
-        .Text("")
+        .I64(1)
+        .Text(test::kCommit1)
         .I64(1)
         .I64(1)
         .Text("UBAS;1;16;A*\r\nUPTGPS;3;33;A1*;4\r\nDEL;4;5");
@@ -229,15 +233,16 @@ TEST(CloudStateDamage, HostileCountsEndWithTheStream) {
         EXPECT_LE(gpsproject::ReadAnswer(in).ids.size(), 1U) << count;
 
         const std::string page =
-            Bytes().I64(1).Text("").U8(1).Text("").I64(count).U8(3).U8(0).I32(1).I64(count);
+            Bytes().I64(1).I64(1).Text("").U8(1).Text("").I64(count).U8(3).U8(0).I32(1).I64(count);
         ifpstream in2(page.data(), page.size(), Project::kNewestVersion);
         EXPECT_LE(gpsproject::ReadPage(in2).replies.size(), 1U) << count;
 
-        const std::string state = Bytes().Text("s").Text("p").Text("k").I64(0).Text("").I64(count).I64(7);
+        const std::string state =
+            Bytes().Text("s").Text("p").Text("k").I64(0).I64(0).Text("").I64(count).I64(7);
         ifpstream in3(state.data(), state.size(), Project::kNewestVersion);
         EXPECT_LE(ReadState(in3).own.size(), 1U) << count;
 
-        const std::string commit = Bytes().Text("c").I64(1).Text("").I64(count).I64(7);
+        const std::string commit = Bytes().Text("c").I64(1).I64(1).Text("").I64(count).I64(7);
         ifpstream in4(commit.data(), commit.size(), Project::kNewestVersion);
         EXPECT_LE(gpsproject::ReadCommit(in4).own.size(), 1U) << count;
     }

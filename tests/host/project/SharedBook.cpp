@@ -113,6 +113,7 @@ CommitAnswer AcceptAll(Project& project, std::int64_t revision, std::int64_t fir
     CommitAnswer answer;
     answer.commit = project.GetCloud().GetCommit()->id;
     answer.revision = revision;
+    if (revision > 0) answer.head = answer.commit;
     const auto& tables = project.GetCloud().GetTables();
     const auto added = tables.base.GetSentAdded() + tables.points.GetSentAdded();
     for (std::size_t i = 0; i < added; ++i) answer.ids.push_back(firstId++);

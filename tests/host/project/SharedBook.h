@@ -41,7 +41,7 @@ void DeleteGroup(Project& project, int g);
 
 // --- what a server tells -----------------------------------------------------------------------------------
 
-/// Takes everything of the commit under way; new items get ids from `firstId` on.
+/// Takes everything of the commit under way; new items get ids from `firstId` on. Heads are ids of commits.
 CommitAnswer AcceptAll(Project& project, std::int64_t revision, std::int64_t firstId);
 
 /// Everything new is accepted as revision 1: the groups get ids 1 and 2, the points 3, 4 and 5.

@@ -47,7 +47,7 @@ public:
         senders.insert(sender.device);
         commits.push_back(commit);
         if (commitError) throw *commitError;
-        CommitAnswer answer{commit.id, ++revision, {}, {}, {}};
+        CommitAnswer answer{commit.id, ++revision, {}, {}, {}, {}};
         std::string_view records = commit.records;
         while (!records.empty()) {
             if (records.starts_with("I")) answer.ids.push_back(++lastId);
