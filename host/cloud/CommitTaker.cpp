@@ -301,7 +301,7 @@ CommitTaker::Clash CommitTaker::NewClash(const StoredItem& item, Mark theirs) {
     if (item.kind == CloudKind::group) clash.name = std::get<std::string>(item.values[kGroupName]);
     if (clash.name.empty()) clash.name = std::get<std::string>(item.values[0]);
     clash.device = theirs.device;
-    clash.author = AuthorOf(theirs.device);
+    clash.author = AuthorOf(theirs.revision);
     clash.revision = theirs.revision;
     return clash;
 }
@@ -313,14 +313,14 @@ std::vector<Setter> CommitTaker::SettersOf(const StoredItem& item) {
 
 std::string CommitTaker::WhoDeleted(const StoredItem& item) {
     if (item.deleted == now_) return "by this commit";
-    const std::string& author = AuthorOf(item.deleted.device);
+    const std::string& author = AuthorOf(item.deleted.revision);
     return "by " + (author.empty() ? std::string() : author + ", ") + "device " +
            std::to_string(item.deleted.device) + ", in revision " + std::to_string(item.deleted.revision);
 }
 
-const std::string& CommitTaker::AuthorOf(std::int32_t device) {
-    const auto [known, isNew] = authors_.try_emplace(device);
-    if (isNew) known->second = store_.DeviceName(project_.number, device);
+const std::string& CommitTaker::AuthorOf(std::int64_t revision) {
+    const auto [known, isNew] = authors_.try_emplace(revision);
+    if (isNew) known->second = store_.AuthorOf(project_.number, revision);
     return known->second;
 }
 

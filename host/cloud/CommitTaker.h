@@ -40,7 +40,7 @@ private:
     std::vector<Setter> SettersOf(const StoredItem& item);
     bool IsForeign(Mark mark) const;
     std::string WhoDeleted(const StoredItem& item);
-    const std::string& AuthorOf(std::int32_t device);
+    const std::string& AuthorOf(std::int64_t revision);
 
     SyncStore& store_;
     StoredProject& project_;
@@ -52,7 +52,7 @@ private:
     StoredItem item_;
     std::vector<CloudKind> addedKinds_;                      // of the added records, as answer_.ids
     std::unordered_map<std::int64_t, std::string> parents_;  // groups asked for: why they take no points
-    std::map<std::int32_t, std::string> authors_;
+    std::map<std::int64_t, std::string> authors_;            // of revisions
 };
 
 }  // namespace gpssync

@@ -25,6 +25,19 @@ bool IsForeign(const PullWindow& window, const Mark& mark) {
     return mark.revision > window.revision && !IsOwn(window, mark.revision);
 }
 
+// Whether the device that asks made an item, or set a field of it, and the commit had not seen that.
+bool IsUnseenBy(const StoredCommit& commit, const PullWindow& window, const KeptItem& kept) {
+    const auto isUnseen = [&](const Mark& mark) {
+        return mark.device == window.device && mark.revision > commit.base &&
+               mark.revision < commit.revision &&
+               std::find(commit.own.begin(), commit.own.end(), mark.revision) == commit.own.end();
+    };
+    return isUnseen(kept.item.created) ||
+           std::any_of(kept.setters.begin(), kept.setters.end(), [&](const auto& setter) {
+               return setter.first < kDatumBit && isUnseen(setter.second);
+           });
+}
+
 bool IsNewer(const PullWindow& window, const KeptItem& kept) {
     const StoredItem& item = kept.item;
     if (item.created.revision > window.upTo) return false;
@@ -38,7 +51,6 @@ bool IsNewer(const PullWindow& window, const KeptItem& kept) {
 
 struct MemoryStore::Content {
     StoredProject project;
-    std::map<std::int32_t, std::string> devices;
     std::map<std::string, StoredCommit> commits;
     std::map<CloudKind, Items> items;
     std::vector<HistoryEntry> history;
@@ -119,17 +131,7 @@ void MemoryStore::AdvanceProject(const StoredProject& project) {
     kept.lastId = project.lastId;
 }
 
-// --- devices and commits -----------------------------------------------------------------------------------
-
-std::string MemoryStore::DeviceName(std::int64_t project, std::int32_t device) {
-    const auto& devices = Of(project).devices;
-    const auto found = devices.find(device);
-    return found == devices.end() ? std::string() : found->second;
-}
-
-void MemoryStore::SetDeviceName(std::int64_t project, std::int32_t device, const std::string& name) {
-    Put(Of(project).devices, device, name);
-}
+// --- commits -----------------------------------------------------------------------------------------------
 
 std::optional<StoredCommit> MemoryStore::FindCommit(std::int64_t project, const std::string& id) {
     const auto& commits = Of(project).commits;
@@ -142,11 +144,20 @@ void MemoryStore::AddCommit(std::int64_t project, const StoredCommit& commit) {
     Put(Of(project).commits, commit.id, commit);
 }
 
-std::string MemoryStore::HeadOf(std::int64_t project, std::int64_t revision) {
-    if (revision < 1) return {};  // commits of which nothing was taken
+const StoredCommit& MemoryStore::CommitAt(std::int64_t project, std::int64_t revision) {
+    static const StoredCommit none;
+    if (revision < 1) return none;  // commits of which nothing was taken
     for (const auto& [id, commit] : Of(project).commits)
-        if (commit.revision == revision) return commit.head;
-    return {};
+        if (commit.revision == revision) return commit;
+    return none;
+}
+
+std::string MemoryStore::HeadOf(std::int64_t project, std::int64_t revision) {
+    return CommitAt(project, revision).head;
+}
+
+std::string MemoryStore::AuthorOf(std::int64_t project, std::int64_t revision) {
+    return CommitAt(project, revision).author;
 }
 
 // --- items -------------------------------------------------------------------------------------------------
@@ -277,7 +288,13 @@ std::vector<Deletion> MemoryStore::NewerDeletions(std::int64_t project, CloudKin
         if (!IsForeign(window, item.deleted) || item.deleted.revision > window.upTo || !isBehind(item))
             continue;
         if (kind == CloudKind::point && groups.at(item.group).item.deleted == item.deleted) continue;
-        deletions.push_back({id, item.deleted});
+        const StoredCommit& commit = CommitAt(project, item.deleted.revision);
+        bool unseen = IsUnseenBy(commit, window, kept);
+        if (kind == CloudKind::group)
+            for (const auto& [pointId, point] : Of(project).items[CloudKind::point])
+                if (point.item.group == id && point.item.deleted == item.deleted)
+                    unseen = unseen || IsUnseenBy(commit, window, point);
+        deletions.push_back({id, item.deleted, unseen});
     }
     std::sort(deletions.begin(), deletions.end(), [](const Deletion& a, const Deletion& b) {
         return std::pair(a.deleted.revision, a.id) < std::pair(b.deleted.revision, b.id);

@@ -26,11 +26,10 @@ public:
     StoredProject AddProject(const std::string& key, const std::string& name) override;
     void AdvanceProject(const StoredProject& project) override;
 
-    std::string DeviceName(std::int64_t project, std::int32_t device) override;
-    void SetDeviceName(std::int64_t project, std::int32_t device, const std::string& name) override;
     std::optional<StoredCommit> FindCommit(std::int64_t project, const std::string& id) override;
     void AddCommit(std::int64_t project, const StoredCommit& commit) override;
     std::string HeadOf(std::int64_t project, std::int64_t revision) override;
+    std::string AuthorOf(std::int64_t project, std::int64_t revision) override;
 
     bool FindItem(std::int64_t project, CloudKind kind, std::int64_t id, StoredItem& item) override;
     void AddItem(std::int64_t project, const StoredItem& item) override;
@@ -59,6 +58,7 @@ private:
     struct Content;
 
     Content& Of(std::int64_t project);
+    const StoredCommit& CommitAt(std::int64_t project, std::int64_t revision);
     template <class Map, class Key, class T>
     void Put(Map& map, const Key& key, T value);
 

@@ -11,10 +11,10 @@ constexpr int kStages = 4;
 
 }  // namespace
 
-PullReader::PullReader(SyncStore& store, const StoredProject& project, const PullRequest& request,
-                       std::size_t pageSize)
+PullReader::PullReader(SyncStore& store, const StoredProject& project, std::int32_t device,
+                       const PullRequest& request, std::size_t pageSize)
     : store_(store), project_(project), pageSize_(pageSize), map_(store, project.number) {
-    window_ = {request.revision, request.own, request.next.empty() ? project.revision : request.upTo};
+    window_ = {request.revision, request.own, request.next.empty() ? project.revision : request.upTo, device};
     if (request.next.empty()) return;
     const auto place = ReadPlace(request.next);
     if (!place)
@@ -35,8 +35,8 @@ PullPage PullReader::Read() {
     }
     page_.last = place_.stage == kStages;
     if (!page_.last) page_.next = PlaceText();
-    for (const std::int32_t device : devices_)
-        page_.authors.emplace(device, store_.DeviceName(project_.number, device));
+    for (const std::int64_t revision : revisions_)
+        page_.authors.emplace(revision, store_.AuthorOf(project_.number, revision));
     return std::move(page_);
 }
 
@@ -53,13 +53,14 @@ void PullReader::AddReply(StoredItem& item) {
     auto& reply = page_.replies.back();
     reply.kind = item.kind;
     reply.device = item.changed.device;
+    reply.revision = item.changed.revision;
     reply.fields.reserve(item.values.size() + 2);
     reply.fields.emplace_back(std::to_string(item.id));
     reply.fields.emplace_back(
         std::to_string(item.kind == CloudKind::group ? item.created.device : item.group));
     NumberText room;
     for (const Value& value : item.values) reply.fields.emplace_back(TextOf(value, room));
-    devices_.insert(reply.device);
+    revisions_.insert(reply.revision);
 }
 
 std::size_t PullReader::ReadDeletions(CloudKind kind, std::size_t limit) {
@@ -68,8 +69,10 @@ std::size_t PullReader::ReadDeletions(CloudKind kind, std::size_t limit) {
         page_.replies.push_back({kind,
                                  true,
                                  deletion.deleted.device,
-                                 {vex::String("DEL"), vex::String(std::to_string(deletion.id))}});
-        devices_.insert(deletion.deleted.device);
+                                 {vex::String("DEL"), vex::String(std::to_string(deletion.id))},
+                                 deletion.deleted.revision,
+                                 deletion.unseen});
+        revisions_.insert(deletion.deleted.revision);
     }
     if (!deletions.empty()) place_.after = deletions.back();
     return deletions.size();

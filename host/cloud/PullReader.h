@@ -18,8 +18,8 @@ namespace gpssync {
 class PullReader {
 public:
     /// Errors: TransportError (refused) for a `next` that no page has told.
-    PullReader(SyncStore& store, const StoredProject& project, const PullRequest& request,
-               std::size_t pageSize);
+    PullReader(SyncStore& store, const StoredProject& project, std::int32_t device,
+               const PullRequest& request, std::size_t pageSize);
 
     PullPage Read();
 
@@ -44,7 +44,7 @@ private:
     PullWindow window_;
     Place place_;
     PullPage page_;
-    std::set<std::int32_t> devices_;
+    std::set<std::int64_t> revisions_;  // of the replies
 };
 
 }  // namespace gpssync

@@ -1,6 +1,7 @@
 #include "host/cloud/SqliteStore.h"
 
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -89,25 +90,57 @@ std::string CountChangedSql(CloudKind kind) {
            "changed_revision > ?2 LIMIT ?3)";
 }
 
+// Whether device ?8 made an item, or set a field of it, and the commit that deleted it had not seen that.
+std::string IsUnseen(CloudKind kind, const std::string& item) {
+    const auto isUnseen = [](const std::string& mark) {
+        return mark + "device = ?8 AND " + mark + "revision > commits.base AND " + mark +
+               "revision < commits.revision AND " + mark +
+               "revision NOT IN (SELECT value FROM json_each(commits.own))";
+    };
+    return "(" + isUnseen(item + ".created_") +
+           " OR EXISTS (SELECT 1 FROM setters WHERE setters.project = ?1 " +
+           "AND setters.kind = " + std::to_string(static_cast<int>(kind)) + " AND setters.id = " + item +
+           ".id AND setters.bit < " + std::to_string(kDatumBit) + " AND " + isUnseen("setters.") + "))";
+}
+
 // ?1 project, ?2 up to, ?3 revision, ?4 and ?6 revision and id behind which it begins, ?5 own revisions,
-// ?7 limit.
+// ?7 limit, ?8 device that asks.
 std::string NewerDeletionsSql(CloudKind kind) {
     const std::string table = TableOf(kind);
-    std::string sql = "SELECT id, deleted_revision, deleted_device FROM " + table +
-                      " WHERE project = ?1 AND " + IsForeign("deleted_revision") +
-                      " AND deleted_revision <= ?2 AND (deleted_revision, id) > (?4, ?6)";
+    std::string unseen = IsUnseen(kind, table);
+    if (kind == CloudKind::group)
+        unseen +=
+            " OR EXISTS (SELECT 1 FROM points AS p WHERE p.project = ?1 AND p.group_id = groups.id AND "
+            "p.deleted_revision = groups.deleted_revision AND " +
+            IsUnseen(CloudKind::point, "p") + ")";
+    std::string sql = "SELECT " + table + ".id, deleted_revision, deleted_device, coalesce(" + unseen +
+                      ", 0) FROM " + table + " LEFT JOIN commits ON commits.project = ?1 AND " +
+                      "commits.revision = deleted_revision WHERE " + table + ".project = ?1 AND " +
+                      IsForeign("deleted_revision") + " AND deleted_revision <= ?2 AND (deleted_revision, " +
+                      table + ".id) > (?4, ?6)";
     if (kind == CloudKind::point)
         sql +=
             " AND NOT EXISTS (SELECT 1 FROM groups WHERE groups.project = ?1 AND groups.id = points.group_id "
             "AND groups.deleted_revision = points.deleted_revision)";
-    return sql + " ORDER BY deleted_revision, id LIMIT ?7";
+    return sql + " ORDER BY deleted_revision, " + table + ".id LIMIT ?7";
 }
 
-std::string OwnText(const PullWindow& window) {
+std::string OwnText(const std::vector<std::int64_t>& own) {
     std::string text = "[";
-    for (const std::int64_t revision : window.own)
-        text += (text.size() > 1 ? "," : "") + std::to_string(revision);
+    for (const std::int64_t revision : own) text += (text.size() > 1 ? "," : "") + std::to_string(revision);
     return text + "]";
+}
+
+std::vector<std::int64_t> ReadOwn(std::string_view text) {
+    std::vector<std::int64_t> own;
+    for (std::size_t at = 1; at < text.size();) {
+        std::int64_t revision = 0;
+        const auto [end, error] = std::from_chars(text.data() + at, text.data() + text.size(), revision);
+        if (error != std::errc()) break;
+        own.push_back(revision);
+        at = static_cast<std::size_t>(end - text.data()) + 1;
+    }
+    return own;
 }
 
 // --- rows --------------------------------------------------------------------------------------------------
@@ -217,18 +250,18 @@ struct SqliteStore::Connection {
                                "INSERT INTO projects (key, name, revision, last_id) VALUES (?, ?, 0, 0)"};
     SqliteStatement advanceProject{file, kWrite,
                                    "UPDATE projects SET revision = ?, last_id = ? WHERE number = ?"};
-    SqliteStatement deviceName{file, kRead, "SELECT name FROM devices WHERE project = ? AND device = ?"};
-    SqliteStatement setDeviceName{file, kWrite,
-                                  "INSERT OR REPLACE INTO devices (project, device, name) VALUES (?, ?, ?)"};
     SqliteStatement findCommit{
         file, kRead,
-        "SELECT device, revision, head, last_id, digest, answer FROM commits WHERE project = ? AND id = ?"};
+        "SELECT device, author, base, own, revision, head, last_id, digest, answer FROM commits "
+        "WHERE project = ? AND id = ?"};
     SqliteStatement addCommit{
         file, kWrite,
-        "INSERT INTO commits (project, id, device, revision, head, last_id, digest, answer) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"};
+        "INSERT INTO commits (project, id, device, author, base, own, revision, head, last_id, "
+        "digest, answer) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"};
     SqliteStatement headOf{file, kRead,
                            "SELECT head FROM commits WHERE project = ?1 AND revision = ?2 AND revision >= 1"};
+    SqliteStatement authorOf{
+        file, kRead, "SELECT author FROM commits WHERE project = ?1 AND revision = ?2 AND revision >= 1"};
     SqliteStatement lastId{file, kRead,
                            "SELECT last_id FROM commits WHERE project = ? AND revision BETWEEN 1 AND ? "
                            "ORDER BY revision DESC LIMIT 1"};
@@ -342,18 +375,7 @@ void SqliteStore::AdvanceProject(const StoredProject& project) {
     SqliteRun(connection_->advanceProject).With(project.revision, project.lastId, project.number).Finish();
 }
 
-// --- devices and commits -----------------------------------------------------------------------------------
-
-std::string SqliteStore::DeviceName(std::int64_t project, std::int32_t device) {
-    SqliteRun run(connection_->deviceName);
-    return run.With(project, std::int64_t{device}).Next() ? std::string(run.Text()) : std::string();
-}
-
-void SqliteStore::SetDeviceName(std::int64_t project, std::int32_t device, const std::string& name) {
-    SqliteRun(connection_->setDeviceName)
-        .With(project, std::int64_t{device}, std::string_view(name))
-        .Finish();
-}
+// --- commits -----------------------------------------------------------------------------------------------
 
 std::optional<StoredCommit> SqliteStore::FindCommit(std::int64_t project, const std::string& id) {
     SqliteRun run(connection_->findCommit);
@@ -361,6 +383,9 @@ std::optional<StoredCommit> SqliteStore::FindCommit(std::int64_t project, const 
     StoredCommit commit;
     commit.id = id;
     commit.device = run.Device();
+    commit.author = run.Text();
+    commit.base = run.Whole();
+    commit.own = ReadOwn(run.Text());
     commit.revision = run.Whole();
     commit.head = run.Text();
     commit.lastId = run.Whole();
@@ -370,8 +395,10 @@ std::optional<StoredCommit> SqliteStore::FindCommit(std::int64_t project, const 
 }
 
 void SqliteStore::AddCommit(std::int64_t project, const StoredCommit& commit) {
+    const std::string own = OwnText(commit.own);
     SqliteRun(connection_->addCommit)
-        .With(project, std::string_view(commit.id), std::int64_t{commit.device}, commit.revision,
+        .With(project, std::string_view(commit.id), std::int64_t{commit.device},
+              std::string_view(commit.author), commit.base, std::string_view(own), commit.revision,
               std::string_view(commit.head), commit.lastId, std::string_view(commit.digest),
               std::string_view(commit.answer))
         .Finish();
@@ -379,6 +406,11 @@ void SqliteStore::AddCommit(std::int64_t project, const StoredCommit& commit) {
 
 std::string SqliteStore::HeadOf(std::int64_t project, std::int64_t revision) {
     SqliteRun run(connection_->headOf);
+    return run.With(project, revision).Next() ? std::string(run.Text()) : std::string();
+}
+
+std::string SqliteStore::AuthorOf(std::int64_t project, std::int64_t revision) {
+    SqliteRun run(connection_->authorOf);
     return run.With(project, revision).Next() ? std::string(run.Text()) : std::string();
 }
 
@@ -528,7 +560,7 @@ std::int64_t SqliteStore::LastIdAt(std::int64_t project, std::int64_t revision) 
 std::size_t SqliteStore::Newer(std::int64_t project, CloudKind kind, const PullWindow& window,
                                std::int64_t after, std::size_t limit, const TakeItem& take) {
     ItemStatements& statements = connection_->Of(kind);
-    const std::string own = OwnText(window);
+    const std::string own = OwnText(window.own);
     std::size_t given = 0;
     StoredItem item;
     const auto give = [&](SqliteStatement& statement, std::int64_t behind, std::int64_t last) {
@@ -554,15 +586,16 @@ std::size_t SqliteStore::Newer(std::int64_t project, CloudKind kind, const PullW
 std::vector<Deletion> SqliteStore::NewerDeletions(std::int64_t project, CloudKind kind,
                                                   const PullWindow& window, const Deletion& after,
                                                   std::size_t limit) {
-    const std::string own = OwnText(window);
+    const std::string own = OwnText(window.own);
     SqliteRun run(connection_->Of(kind).newerDeletions);
     run.With(project, window.upTo, window.revision, after.deleted.revision, std::string_view(own), after.id,
-             static_cast<std::int64_t>(limit));
+             static_cast<std::int64_t>(limit), std::int64_t{window.device});
     std::vector<Deletion> deletions;
     while (run.Next()) {
         Deletion& deletion = deletions.emplace_back();
         deletion.id = run.Whole();
         deletion.deleted = ReadMark(run);
+        deletion.unseen = run.Whole() != 0;
     }
     return deletions;
 }

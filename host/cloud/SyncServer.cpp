@@ -149,12 +149,11 @@ CommitAnswer SyncServer::Commit(const std::string& projectKey, const Sender& sen
         return std::move(*answer);
     }
     CheckKnown(*store_, project, commit);
-    if (store_->DeviceName(project.number, sender.device) != sender.author)
-        store_->SetDeviceName(project.number, sender.device, sender.author);
     CommitAnswer answer = CommitTaker(*store_, project, sender.device).Take(commit);
     if (answer.revision > 0) answer.head = RandomHex();
-    store_->AddCommit(project.number, {commit.id, sender.device, answer.revision, project.lastId, digest,
-                                       EncodeAnswer(answer), answer.head});
+    store_->AddCommit(project.number,
+                      {commit.id, sender.device, answer.revision, project.lastId, digest,
+                       EncodeAnswer(answer), answer.head, sender.author, commit.revision, commit.own});
     transaction.Commit();
     return answer;
 }
@@ -166,7 +165,7 @@ PullPage SyncServer::Pull(const std::string& projectKey, const Sender& sender, c
     const StoredProject project = Find(projectKey);
     CheckKnown(*store_, project, request);
     CheckKnown(*store_, project, PullRequest{request.upTo, {}, {}, 0, {}});
-    PullPage page = PullReader(*store_, project, request, pageSize_).Read();
+    PullPage page = PullReader(*store_, project, sender.device, request, pageSize_).Read();
     transaction.Commit();
     return page;
 }

@@ -80,7 +80,10 @@ struct StoredCommit {
     std::int64_t lastId = 0;  // of the project, with it
     std::string digest;       // of what was asked
     std::string answer;
-    std::string head;  // of the revision
+    std::string head;               // of the revision
+    std::string author;             // who used the device then
+    std::int64_t base = 0;          // what it was made on
+    std::vector<std::int64_t> own;  // and later revisions that its book had made
 };
 
 /// What a pull is about: newer than `revision`, not only by the revisions `own`, made up to `upTo`.
@@ -88,11 +91,13 @@ struct PullWindow {
     std::int64_t revision = 0;
     std::vector<std::int64_t> own;
     std::int64_t upTo = 0;
+    std::int32_t device = 0;  // which one asks
 };
 
 struct Deletion {
     std::int64_t id = 0;
     Mark deleted;
+    bool unseen = false;  // the commit that did it had not seen what the asking device made or set of it
 
     bool operator==(const Deletion&) const = default;
 };
@@ -129,16 +134,14 @@ public:
     /// Keeps revision and last id.
     virtual void AdvanceProject(const StoredProject& project) = 0;
 
-    // --- of a project: devices and commits -------------------------------------------------------------
-
-    /// Empty when nothing is known of the device.
-    virtual std::string DeviceName(std::int64_t project, std::int32_t device) = 0;
-    virtual void SetDeviceName(std::int64_t project, std::int32_t device, const std::string& name) = 0;
+    // --- of a project: commits -------------------------------------------------------------------------
 
     virtual std::optional<StoredCommit> FindCommit(std::int64_t project, const std::string& id) = 0;
     virtual void AddCommit(std::int64_t project, const StoredCommit& commit) = 0;
     /// Head of a revision; empty: there is none.
     virtual std::string HeadOf(std::int64_t project, std::int64_t revision) = 0;
+    /// Who made it; empty: it has no name, or there is no such revision.
+    virtual std::string AuthorOf(std::int64_t project, std::int64_t revision) = 0;
 
     // --- of a project: items ---------------------------------------------------------------------------
 
@@ -182,7 +185,7 @@ public:
 
     /// At most `limit` deletions behind `after`, in order of revisions and ids. Also of what was made after
     /// the window's revision: a pull that ended in the middle may have brought it. Points that went with
-    /// their group are left out.
+    /// their group are left out; what the device made or set of one of them counts for the group.
     virtual std::vector<Deletion> NewerDeletions(std::int64_t project, CloudKind kind,
                                                  const PullWindow& window, const Deletion& after,
                                                  std::size_t limit) = 0;

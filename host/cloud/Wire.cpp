@@ -86,25 +86,29 @@ CloudClash Clash(const Json& json) {
 }
 
 CloudReply Reply(const Json& json) {
-    RequireObject(json, 4);
+    RequireObject(json, 6);
     CloudReply reply;
     reply.kind = Kind(Member(json, "kind"));
     const Json& deleted = Member(json, "deleted");
     Require(deleted.is_boolean());
     reply.deleted = deleted.get<bool>();
     reply.device = Whole<std::int32_t>(Member(json, "device"));
+    reply.revision = Whole<std::int64_t>(Member(json, "revision"));
+    const Json& unseen = Member(json, "unseen");
+    Require(unseen.is_boolean());
+    reply.unseen = unseen.get<bool>();
     const Json& fields = Array(Member(json, "fields"));
     reply.fields.reserve(fields.size());
     for (const Json& field : fields) reply.fields.emplace_back(Text(field));
     return reply;
 }
 
-std::int32_t DeviceNumber(const std::string& text) {
-    std::int32_t device = 0;
+std::int64_t RevisionNumber(const std::string& text) {
+    std::int64_t revision = 0;
     const char* const end = text.data() + text.size();
-    const auto [at, error] = std::from_chars(text.data(), end, device);
+    const auto [at, error] = std::from_chars(text.data(), end, revision);
     Require(error == std::errc() && at == end);
-    return device;
+    return revision;
 }
 
 template <class Decode>
@@ -138,10 +142,9 @@ Json ToJson(const CloudClash& clash) {
 Json ToJson(const CloudReply& reply) {
     Json fields = Json::array();
     for (const vex::String& field : reply.fields) fields.push_back(std::string(field.View()));
-    return {{"kind", static_cast<int>(reply.kind)},
-            {"deleted", reply.deleted},
-            {"device", reply.device},
-            {"fields", std::move(fields)}};
+    return {
+        {"kind", static_cast<int>(reply.kind)}, {"deleted", reply.deleted}, {"device", reply.device},
+        {"revision", reply.revision},           {"unseen", reply.unseen},   {"fields", std::move(fields)}};
 }
 
 }  // namespace
@@ -176,7 +179,7 @@ std::optional<CommitAnswer> DecodeAnswer(std::string_view text) {
 std::string EncodePage(const PullPage& page) {
     Json replies = Json::array(), authors = Json::object();
     for (const CloudReply& reply : page.replies) replies.push_back(ToJson(reply));
-    for (const auto& [device, author] : page.authors) authors[std::to_string(device)] = author;
+    for (const auto& [revision, author] : page.authors) authors[std::to_string(revision)] = author;
     const Json json = {{"upTo", page.upTo},
                        {"newest", page.newest},
                        {"head", page.head},
@@ -201,8 +204,8 @@ std::optional<PullPage> DecodePage(std::string_view text) {
         for (const Json& reply : Array(Member(json, "replies"))) page.replies.push_back(Reply(reply));
         const Json& authors = Member(json, "authors");
         Require(authors.is_object());
-        for (const auto& [device, author] : authors.items())
-            page.authors.emplace(DeviceNumber(device), Text(author));
+        for (const auto& [revision, author] : authors.items())
+            page.authors.emplace(RevisionNumber(revision), Text(author));
         return page;
     });
 }

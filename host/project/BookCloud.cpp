@@ -80,10 +80,10 @@ std::string Joined(const std::vector<vex::String>& fields, const FieldGroup& gro
     return text;
 }
 
-std::string AuthorOf(const PullPage& page, std::int32_t device) {
-    const auto found = page.authors.find(device);
+std::string AuthorOf(const PullPage& page, const CloudReply& reply) {
+    const auto found = page.authors.find(reply.revision);
     const bool named = found != page.authors.end() && !found->second.empty();
-    return named ? found->second : "device " + std::to_string(device);
+    return named ? found->second : "device " + std::to_string(reply.device);
 }
 
 /// Of the item that a reply is about, which has all its fields.
@@ -322,11 +322,11 @@ void BookCloud::Apply(const PullPage& page, Taken& taken, std::size_t& done) {
     const std::int64_t newest = std::max(page.newest, page.upTo);
     state_.head.reserve(page.head.size());
     for (const CloudReply& reply : page.replies) {
-        const std::string author = AuthorOf(page, reply.device);
+        const std::string author = AuthorOf(page, reply);
         if (reply.deleted)
-            ApplyDeletion(reply, author, page.upTo, taken);
+            ApplyDeletion(reply, author, reply.revision, taken);
         else
-            ApplyEdit(reply, author, page.upTo, taken);
+            ApplyEdit(reply, author, reply.revision, taken);
         // Also of a page that ends here: later edits build on what it has brought.
         if (done++ == 0) Knows(newest, page.head);
         book_.SetModifiedFlag(true);

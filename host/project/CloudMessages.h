@@ -87,7 +87,7 @@ struct PullPage {
     bool last = true;
     std::string next;  // where the next page begins
     std::vector<CloudReply> replies;
-    std::map<std::int32_t, std::string> authors;  // names of the devices in `replies`
+    std::map<std::int64_t, std::string> authors;  // who made the revisions of `replies`
     std::int64_t newest = 0;  // revision of the project when the page was made: it may tell of all until then
 
     bool operator==(const PullPage&) const = default;

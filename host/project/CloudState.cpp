@@ -139,10 +139,12 @@ void WritePage(ofpstream& out, const PullPage& page) {
         out.WriteUChar(static_cast<unsigned char>(reply.kind));
         out.WriteUChar(reply.deleted ? 1 : 0);
         out.WriteInt(reply.device);
+        out.WriteInt64(reply.revision);
+        out.WriteUChar(reply.unseen ? 1 : 0);
         WriteList(out, reply.fields, [&](const vex::String& field) { out.WriteString(field.View()); });
     });
     WriteList(out, page.authors, [&](const auto& author) {
-        out.WriteInt(author.first);
+        out.WriteInt64(author.first);
         out.WriteString(author.second);
     });
 }
@@ -159,13 +161,15 @@ PullPage ReadPage(ifpstream& in) {
         reply.kind = ReadKind(in);
         reply.deleted = in.ReadUChar() != 0;
         reply.device = in.ReadInt();
+        reply.revision = in.ReadInt64();
+        reply.unseen = in.ReadUChar() != 0;
         ReadList(in, reply.fields, [&] { return vex::String(in.ReadString()); });
         return reply;
     });
-    std::vector<std::pair<std::int32_t, std::string>> authors;
+    std::vector<std::pair<std::int64_t, std::string>> authors;
     ReadList(in, authors, [&] {
-        const std::int32_t device = in.ReadInt();
-        return std::pair(device, in.ReadString());
+        const std::int64_t revision = in.ReadInt64();
+        return std::pair(revision, in.ReadString());
     });
     page.authors.insert(authors.begin(), authors.end());
     return page;

@@ -94,11 +94,35 @@ TEST_P(ServerCommit, SenderWithoutNumberOrWithUnshowableNameIsRefused) {
     EXPECT_EQ(server_.Get().OpenProject("site", false).revision, 0);
 }
 
-TEST_P(ServerCommit, NameOfADeviceIsTheOneItLastHad) {
-    server_.Get().Commit(server_.Key(), {7, "Carla"}, test::Commit(server_.NewId(), 0, Group()));
-    server_.Get().Commit(server_.Key(), {7, "Carla B."}, test::Commit(server_.NewId(), 1, "UBAS;1;1;B2"));
+TEST_P(ServerCommit, AuthorIsWhoUsedTheDeviceThen) {
+    const auto send = [&](const char* author, std::int64_t base, const std::string& records) {
+        return server_.Get().Commit(server_.Key(), {7, author}, test::Commit(server_.NewId(), base, records));
+    };
+    send("Carla", 0, test::Records({Group(), Point(-1)}));
+    send("Dora", 1, "UPTGPS;2;1;Q");
     const auto page = server_.Get().Pull(server_.Key(), server_.Who(2), {});
-    EXPECT_EQ(page.authors, (std::map<std::int32_t, std::string>{{7, "Carla B."}}));
+    EXPECT_EQ(page.authors, (std::map<std::int64_t, std::string>{{1, "Carla"}, {2, "Dora"}}));
+    send("Carla", 2, "DEL;4;2");
+    send("Dora", 3, "DEL;3;1");
+    const auto refused = server_.Send(1, 1, {"UPTGPS;2;1;R", Point(1)}).refused;
+    ASSERT_EQ(refused.size(), 2u);
+    EXPECT_NE(refused[0].reason.find("by Carla, device 7, in revision 3"), std::string::npos)
+        << refused[0].reason;
+    EXPECT_NE(refused[1].reason.find("by Dora, device 7, in revision 4"), std::string::npos)
+        << refused[1].reason;
+}
+
+TEST_P(ServerCommit, ClashNamesWhoSetTheFieldThen) {
+    const auto send = [&](const char* author, std::int64_t base, const std::string& records) {
+        server_.Get().Commit(server_.Key(), {7, author}, test::Commit(server_.NewId(), base, records));
+    };
+    send("Carla", 0, test::Records({Group(), Point(-1)}));
+    send("Carla", 1, "UPTGPS;2;1;FENCE");
+    send("Dora", 2, "UPTGPS;2;2;code");
+    const auto clashes = server_.Send(1, 1, {"UPTGPS;2;1;WALL"}).clashes;
+    ASSERT_EQ(clashes.size(), 1u);
+    EXPECT_EQ(clashes[0].author, "Carla");
+    EXPECT_EQ(clashes[0].revision, 2);
 }
 
 // --- ids and revisions -------------------------------------------------------------------------------------

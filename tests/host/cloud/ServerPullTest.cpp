@@ -117,8 +117,10 @@ TEST_P(ServerPull, ReplyNamesWhoChangedTheItemLast) {
     const PullPage page = Page({});
     ASSERT_EQ(page.replies.size(), 2u);
     EXPECT_EQ(page.replies[0].device, 1);
+    EXPECT_EQ(page.replies[0].revision, 1);
     EXPECT_EQ(page.replies[1].device, 2);
-    EXPECT_EQ(page.authors, (std::map<std::int32_t, std::string>{{1, "Anna"}, {2, "Bruno"}}));
+    EXPECT_EQ(page.replies[1].revision, 2);
+    EXPECT_EQ(page.authors, (std::map<std::int64_t, std::string>{{1, "Anna"}, {2, "Bruno"}}));
 }
 
 // --- what is newer -----------------------------------------------------------------------------------------
@@ -192,6 +194,50 @@ TEST_P(ServerPull, OwnDeletionIsLeftOut) {
     server_.Send(1, 0, {Group("B1"), Point(-1)});
     server_.Send(2, 1, {"DEL;4;2"});
     EXPECT_EQ(Pull(2, 1, {2}), Texts{});
+}
+
+// Ids of the deletions that a device is told of; '!': who deleted had not seen what the device did to it.
+std::string Unseen(const std::vector<CloudReply>& replies) {
+    std::string text;
+    for (const CloudReply& reply : replies)
+        if (reply.deleted) text += std::string(reply.fields[1].View()) + (reply.unseen ? "! " : " ");
+    return text;
+}
+
+TEST_P(ServerPull, DeletionTellsThatItsCommitHadNotSeenWhatTheDeviceAdded) {
+    server_.Send(2, 0, {Group("B1")});           // 1: 1
+    server_.Send(1, 1, {Point(1), Point(1)});    // 2: 2, 3
+    server_.Send(2, 2, {"DEL;4;2"});             // 3: seen
+    server_.Send(2, 1, {"DEL;4;3", "DEL;3;1"});  // 4: not seen
+    EXPECT_EQ(Unseen(server_.Pull(1, 1, {2})), "1! 2 ") << "point 3 went with its group";
+    EXPECT_EQ(Unseen(server_.Pull(3, 1)), "1 2 ") << "it is another one's";
+}
+
+TEST_P(ServerPull, DeletionTellsThatItsCommitHadNotSeenWhatTheDeviceSet) {
+    server_.Send(2, 0, {Group("B1"), Point(-1), Point(-1), Point(-1)});  // 1: 1 to 4
+    server_.Send(1, 1, {"UPTGPS;2;1;Q", "UPTGPS;3;1;Q"});                // 2
+    server_.Send(3, 1, {"UPTGPS;2;2;code"});                             // 3
+    server_.Send(2, 1, {"DEL;4;2", "DEL;4;4"});                          // 4
+    EXPECT_EQ(Unseen(server_.Pull(1, 1, {2})), "2! 4 ");
+    EXPECT_EQ(Unseen(server_.Pull(3, 1, {3})), "2! 4 ");
+    EXPECT_EQ(Unseen(server_.Pull(4, 1)), "2 4 ");
+    server_.Send(2, 1, {"DEL;3;1"});  // 5: with point 3
+    EXPECT_EQ(Unseen(server_.Pull(1, 4)), "1! ");
+    EXPECT_EQ(Unseen(server_.Pull(3, 4)), "1 ") << "what it set was of a point that is not in it any more";
+}
+
+TEST_P(ServerPull, DeletionOfWhatItsOwnBookHadMadeWasSeen) {
+    server_.Send(1, 0, {Group("B1")});
+    server_.Send(1, 1, {Point(1)});
+    server_.Send(1, 1, {"DEL;4;2"}, {2});
+    EXPECT_EQ(Unseen(server_.Pull(1, 1)), "2 ") << "another book of the device";
+}
+
+TEST_P(ServerPull, ChangedMapLibraryIsNothingOfTheGroupThatIsDeleted) {
+    server_.Send(2, 0, {Group("B1"), Group("B2")});
+    server_.Send(1, 1, {"UBAS;2;4096;" + Conversion("Other;0;1;2;3;4;5;6;7;NULLVAL;NULLVAL")});
+    server_.Send(2, 1, {"DEL;3;1"});
+    EXPECT_EQ(Unseen(server_.Pull(1, 1, {2})), "1 ");
 }
 
 // --- pages -------------------------------------------------------------------------------------------------

@@ -74,12 +74,17 @@ public:
             }
             if (!taken) outcome.refused.push_back(static_cast<std::int64_t>(i) + 1);
         }
-        if (outcome.refused.size() < records.size()) outcome.revision = ++revision_;
+        if (outcome.refused.size() < records.size()) {
+            outcome.revision = ++revision_;
+            commits_[revision_] = {base, own};
+        }
         return outcome;
     }
 
-    // Kind, id, and the two fields; deletions as "-kind id", in any order.
-    std::vector<std::string> Pull(std::int64_t after, const std::vector<std::int64_t>& own) const {
+    // Kind, id, and the two fields; deletions as "-kind id", with '!' when it was not seen what the device
+    // did, in any order.
+    std::vector<std::string> Pull(int device, std::int64_t after,
+                                  const std::vector<std::int64_t>& own) const {
         const auto isForeign = [&](const Mark& mark) {
             return mark.revision > after && std::find(own.begin(), own.end(), mark.revision) == own.end();
         };
@@ -92,7 +97,7 @@ public:
             } else if (isForeign(item.deleted)) {
                 const bool withGroup =
                     item.kind == CloudKind::point && items_.at(item.group).deleted == item.deleted;
-                if (!withGroup) texts.push_back("-" + head);
+                if (!withGroup) texts.push_back("-" + head + (IsUnseen(device, id) ? "!" : ""));
             }
         }
         std::sort(texts.begin(), texts.end());
@@ -153,6 +158,20 @@ private:
         return true;
     }
 
+    bool IsUnseen(int device, std::int64_t id) const {
+        const ModelItem& item = items_.at(id);
+        const auto& [base, own] = commits_.at(item.deleted.revision);
+        for (const Mark& mark : {item.created, item.set[0], item.set[1]})
+            if (mark.device == device && mark.revision > base && mark.revision < item.deleted.revision &&
+                std::find(own.begin(), own.end(), mark.revision) == own.end())
+                return true;
+        if (item.kind == CloudKind::point) return false;
+        return std::any_of(items_.begin(), items_.end(), [&](const auto& point) {
+            return point.second.group == id && point.second.deleted == item.deleted &&
+                   IsUnseen(device, point.first);
+        });
+    }
+
     void Tell(std::int64_t id, Outcome& outcome) {
         const ModelItem& item = items_[id];
         std::string what;
@@ -183,6 +202,7 @@ private:
     static std::string Name(int device) { return test::SharedServer::Who(device).author; }
 
     std::map<std::int64_t, ModelItem> items_;
+    std::map<std::int64_t, std::pair<std::int64_t, std::vector<std::int64_t>>> commits_;  // base and own
     std::int64_t revision_ = 0, lastId_ = 0;
     Mark now_;
     std::int64_t base_ = 0;
@@ -235,7 +255,7 @@ std::vector<std::string> Short(const std::vector<gpsproject::CloudReply>& replie
     for (const auto& reply : replies) {
         std::string text = std::to_string(static_cast<int>(reply.kind)) + " ";
         if (reply.deleted)
-            text = "-" + text + std::string(reply.fields[1].View());
+            text = "-" + text + std::string(reply.fields[1].View()) + (reply.unseen ? "!" : "");
         else
             text += std::string(reply.fields[0].View()) + " " + std::string(reply.fields[2].View()) + " " +
                     std::string(reply.fields[3].View());
@@ -279,8 +299,9 @@ void RunSchedule(unsigned seed, std::unique_ptr<gpssync::SyncStore> store) {
 
         const std::int64_t after = random.Below(model.Revision() + 1);
         const auto ownThen = random.RevisionsOf(model, after);
-        ASSERT_EQ(Short(server.Pull(4, after, ownThen)), model.Pull(after, ownThen))
-            << where << "\nafter " << after;
+        const int asks = static_cast<int>(1 + random.Below(4));
+        ASSERT_EQ(Short(server.Pull(asks, after, ownThen)), model.Pull(asks, after, ownThen))
+            << where << "\nafter " << after << " by " << asks;
     }
 }
 

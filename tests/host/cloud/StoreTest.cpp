@@ -75,7 +75,8 @@ StoredItem SomeItem(CloudKind kind, std::int64_t id, Mark mark) {
 }
 
 StoredCommit SomeCommit(char id, std::int64_t revision, std::int64_t lastId) {
-    return {std::string(32, id), 7, revision, lastId, "digest", "answer \xC3\xA8", std::string("head ") + id};
+    return {std::string(32, id),       7,      revision, lastId, "digest", "answer \xC3\xA8",
+            std::string("head ") + id, "Anna", 1,        {2, 5}};
 }
 
 TEST_P(Store, ProjectIsFoundByNameAndByKeyAsItWasAdvanced) {
@@ -206,11 +207,15 @@ TEST_P(Store, HistoryIsOfOneItemOldestFirst) {
     EXPECT_TRUE(store_->HistoryOf(project_, CloudKind::point, 9).empty());
 }
 
-TEST_P(Store, CommitAndDeviceComeBack) {
+TEST_P(Store, CommitComesBack) {
     Write([&] {
         store_->AddCommit(project_, SomeCommit('c', 4, 12));
-        store_->SetDeviceName(project_, 7, "Anna");
-        store_->SetDeviceName(project_, 7, "Anna B.");
+        StoredCommit next = SomeCommit('e', 5, 12);
+        next.author = "Bruno";
+        next.own = {};
+        store_->AddCommit(project_, next);
+        next = SomeCommit('f', 0, 12);
+        store_->AddCommit(project_, next);
     });
     StoreTransaction transaction(*store_, SyncStore::Access::read);
     const auto commit = store_->FindCommit(project_, std::string(32, 'c'));
@@ -222,8 +227,14 @@ TEST_P(Store, CommitAndDeviceComeBack) {
     EXPECT_EQ(commit->answer, "answer \xC3\xA8");
     EXPECT_EQ(commit->head, "head c");
     EXPECT_FALSE(store_->FindCommit(project_, std::string(32, 'd')));
-    EXPECT_EQ(store_->DeviceName(project_, 7), "Anna B.");
-    EXPECT_EQ(store_->DeviceName(project_, 8), "");
+    EXPECT_EQ(commit->author, "Anna");
+    EXPECT_EQ(commit->base, 1);
+    EXPECT_EQ(commit->own, (std::vector<std::int64_t>{2, 5}));
+    EXPECT_EQ(store_->AuthorOf(project_, 4), "Anna");
+    EXPECT_EQ(store_->AuthorOf(project_, 5), "Bruno");
+    EXPECT_EQ(store_->AuthorOf(project_, 6), "");
+    EXPECT_EQ(store_->AuthorOf(project_, 0), "") << "it became no revision";
+    EXPECT_TRUE(store_->FindCommit(project_, std::string(32, 'e'))->own.empty());
 }
 
 TEST_P(Store, HeadIsFoundByItsRevision) {
@@ -319,7 +330,6 @@ TEST_P(Store, TransactionThatIsLeftWasNeverThere) {
         store_->AddItem(project_, SomeItem(CloudKind::point, 3, {2, 2}));
         store_->AddHistory(project_, {CloudKind::point, 2, 1, "x", {1, 1}, {2, 2}});
         store_->AddCommit(project_, SomeCommit('c', 2, 3));
-        store_->SetDeviceName(project_, 7, "Anna");
         store_->SetMapDatum(project_, {0, 0, 0},
                             {{2, 2}, gpssync::ProjectMap(*store_, project_).Datum({0, 0, 0}).values});
         MapPart library = *store_->MapLibrary(project_);
@@ -336,7 +346,7 @@ TEST_P(Store, TransactionThatIsLeftWasNeverThere) {
     EXPECT_EQ(store_->SettersOf(project_, CloudKind::point, 2), (std::vector<Setter>{{1, {1, 1}}}));
     EXPECT_TRUE(store_->HistoryOf(project_, CloudKind::point, 2).empty());
     EXPECT_FALSE(store_->FindCommit(project_, std::string(32, 'c')));
-    EXPECT_EQ(store_->DeviceName(project_, 7), "");
+    EXPECT_EQ(store_->AuthorOf(project_, 2), "");
     EXPECT_FALSE(store_->MapDatum(project_, {0, 0, 0}));
     EXPECT_EQ(store_->MapLibrary(project_)->set, (Mark{1, 1}));
     EXPECT_EQ(store_->FindProjectByName("site")->revision, 0);

@@ -40,16 +40,16 @@ PullPage SomePage() {
     page.head = "ffeeddccbbaa99887766554433221100";
     page.last = false;
     page.next = "1:0:4";
-    page.replies = {{CloudKind::group, false, 3, {"1", "3", "B;1"}},
-                    {CloudKind::point, true, 4, {"DEL", "2"}}};
-    page.authors = {{3, "Anna"}, {4, "Bruno"}};
+    page.replies = {{CloudKind::group, false, 3, {"1", "3", "B;1"}, 11},
+                    {CloudKind::point, true, 4, {"DEL", "2"}, 12, true}};
+    page.authors = {{11, "Anna"}, {12, "Bruno"}};
     return page;
 }
 
 const std::string kPage =
-    R"({"authors":{"3":"Anna","4":"Bruno"},"head":"ffeeddccbbaa99887766554433221100","last":false,"newest":13,"next":"1:0:4","replies":[)"
-    R"({"deleted":false,"device":3,"fields":["1","3","B;1"],"kind":3},)"
-    R"({"deleted":true,"device":4,"fields":["DEL","2"],"kind":4}],"upTo":12})";
+    R"({"authors":{"11":"Anna","12":"Bruno"},"head":"ffeeddccbbaa99887766554433221100","last":false,"newest":13,"next":"1:0:4","replies":[)"
+    R"({"deleted":false,"device":3,"fields":["1","3","B;1"],"kind":3,"revision":11,"unseen":false},)"
+    R"({"deleted":true,"device":4,"fields":["DEL","2"],"kind":4,"revision":12,"unseen":true}],"upTo":12})";
 
 std::string With(std::string text, const std::string& what, const std::string& instead) {
     const std::size_t at = text.find(what);
@@ -109,7 +109,8 @@ TEST(Wire, ValuesOfAnotherTypeOrOutOfRangeAreNoAnswer) {
     const std::pair<std::string, std::string> pages[] = {
         {"\"last\":false", "\"last\":0"},        {"\"deleted\":true", "\"deleted\":1"},
         {"\"next\":\"1:0:4\"", "\"next\":null"}, {"\"upTo\":12", "\"upTo\":\"12\""},
-        {"\"3\":\"Anna\"", "\"x\":\"Anna\""},    {"\"3\":\"Anna\"", "\"3\":5"},
+        {"\"11\":\"Anna\"", "\"x\":\"Anna\""},   {"\"11\":\"Anna\"", "\"11\":5"},
+        {"\"unseen\":true", "\"unseen\":1"},     {"\"revision\":12", "\"revision\":null"},
         {"\"DEL\",\"2\"", "\"DEL\",2"},          {"\"kind\":4", "\"kind\":2"},
         {"\"head\":\"ffee", "\"heap\":\"ffee"},  {"\"newest\":13", "\"newest\":-1.5"},
     };

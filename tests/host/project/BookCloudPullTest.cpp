@@ -139,6 +139,21 @@ TEST_F(Pull, DeviceWithoutNameIsToldByItsNumber) {
     EXPECT_EQ(Conflicts()[0].clash.author, "device 2");
 }
 
+TEST_F(Pull, ConflictNamesWhoMadeTheRevisionThatChangedTheItem) {
+    test::RenamePoint(*project_, 0, 0, "mine");
+    PullPage page = PageOf(7, {PointReply(3, 1, "theirs"), DeletionOf(CloudKind::point, 4)});
+    test::RenamePoint(*project_, 0, 1, "also mine");
+    page.replies[0].revision = 4;
+    page.replies[1].revision = 5;
+    page.authors = {{4, "Carla"}, {5, "Dora"}, {7, "Bruno"}};
+    cloud_.TakePage(page);
+    ASSERT_EQ(Conflicts().size(), 2U);
+    EXPECT_EQ(Conflicts()[0].clash.author, "Carla");
+    EXPECT_EQ(Conflicts()[0].clash.revision, 4);
+    EXPECT_EQ(Conflicts()[1].clash.author, "Dora");
+    EXPECT_EQ(Conflicts()[1].clash.revision, 5);
+}
+
 TEST_F(Pull, SameFieldAgainReplacesItsConflict) {
     test::RenamePoint(*project_, 0, 0, "mine");
     cloud_.TakePage(PageOf(2, {PointReply(3, 1, "first")}));

@@ -315,8 +315,21 @@ TEST(CloudJournal, EntriesThatDoNotFitStopTheReplay) {
     using test::Bytes;
     const std::string commit = test::CommitBytes();
     const std::string answer = Bytes().I32(1).Text("c0ffee").I64(1).I64(0).I64(0).I64(0).Text("");
-    const std::string unknown =
-        Bytes().I64(9).I64(9).Text("").U8(1).Text("").I64(1).U8(3).U8(0).I32(2).I64(1).Text("1").I64(0);
+    const std::string unknown = Bytes()
+                                    .I64(9)
+                                    .I64(9)
+                                    .Text("")
+                                    .U8(1)
+                                    .Text("")
+                                    .I64(1)
+                                    .U8(3)
+                                    .U8(0)
+                                    .I32(2)
+                                    .I64(9)
+                                    .U8(0)
+                                    .I64(1)
+                                    .Text("1")
+                                    .I64(0);
     const std::vector<std::pair<int, std::string>> entries{
         {gpsproject::kCommitAnswered, answer},               // none is under way
         {gpsproject::kCommitBegun, commit},                  // without what was sent

@@ -58,8 +58,8 @@ inline gpsproject::PullPage SamplePage() {
             "cafe",
             false,
             "2:0:17",
-            {{CloudKind::group, false, 2, {"1", "", "x;y"}}, {CloudKind::point, true, -1, {}}},
-            {{-1, "nobody"}, {2, "Bruno"}},
+            {{CloudKind::group, false, 2, {"1", "", "x;y"}, 46}, {CloudKind::point, true, -1, {}, 47, true}},
+            {{46, "nobody"}, {47, "Bruno"}},
             51};
 }
 
@@ -74,6 +74,8 @@ inline Bytes PageBytes() {
         .U8(3)
         .U8(0)
         .I32(2)
+        .I64(46)
+        .U8(0)
         .I64(3)
         .Text("1")
         .Text("")
@@ -81,11 +83,13 @@ inline Bytes PageBytes() {
         .U8(4)
         .U8(1)
         .I32(-1)
+        .I64(47)
+        .U8(1)
         .I64(0)
-        .I64(2)  // devices
-        .I32(-1)
+        .I64(2)  // authors
+        .I64(46)
         .Text("nobody")
-        .I32(2)
+        .I64(47)
         .Text("Bruno");
 }
 

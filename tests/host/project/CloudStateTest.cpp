@@ -233,7 +233,8 @@ TEST(CloudStateDamage, HostileCountsEndWithTheStream) {
         EXPECT_LE(gpsproject::ReadAnswer(in).ids.size(), 1U) << count;
 
         const std::string page =
-            Bytes().I64(1).I64(1).Text("").U8(1).Text("").I64(count).U8(3).U8(0).I32(1).I64(count);
+            Bytes().I64(1).I64(1).Text("").U8(1).Text("").I64(count).U8(3).U8(0).I32(1).I64(1).U8(0).I64(
+                count);
         ifpstream in2(page.data(), page.size(), Project::kNewestVersion);
         EXPECT_LE(gpsproject::ReadPage(in2).replies.size(), 1U) << count;
 

@@ -140,7 +140,9 @@ CloudReply DeletionOf(CloudKind kind, std::int64_t id) {
 }
 
 PullPage PageOf(std::int64_t upTo, std::vector<CloudReply> replies, const std::string& head) {
-    return {upTo, head, true, "", std::move(replies), {{2, "Bruno"}}};
+    for (CloudReply& reply : replies)
+        if (reply.revision == 0) reply.revision = upTo;
+    return {upTo, head, true, "", std::move(replies), {{upTo, "Bruno"}}};
 }
 
 std::string CloudBytesOf(Project& project) {

@@ -52,7 +52,8 @@ CloudReply GroupReply(std::int64_t id, const std::string& name);
 CloudReply PointReply(std::int64_t id, std::int64_t group, const std::string& name);
 CloudReply DeletionOf(CloudKind kind, std::int64_t id);
 
-/// The only page of a pull; `head` is the commit that became the revision.
+/// The only page of a pull; `head` is the commit that became the revision. Replies without a revision are of
+/// this one.
 PullPage PageOf(std::int64_t upTo, std::vector<CloudReply> replies, const std::string& head = {});
 
 // --- what there is -----------------------------------------------------------------------------------------
