@@ -81,14 +81,20 @@ std::vector<HeldItem> FindHeld(CLibGps& book, CloudTables& tables) {
         if (groupHeld)
             found.push_back({CGrpGps::CloudItemOf(&group), true, g, -1,
                              WhyHeld(group, isNew ? all : group.GetCloudFlag())});
+        // With others they would stand in another plane system.
+        const bool conversionHeld = groupHeld && !isNew && (group.GetCloudFlag() & CHG_GRP_CONVCOORD);
         for (int p = 0; p < book.GetPunArSize(g); ++p) {
             CPunGps& point = *book.GetPunAt(g, p);
             CCloudItem* item = CPunGps::CloudItemOf(&point);
+            const bool hasPosition = point.GetCloudId() < 1 || (point.GetCloudFlag() & CHG_COORD);
             if (held.contains(item))
                 found.push_back(
                     {item, false, g, p, WhyHeld(point, point.GetCloudId() < 1 ? all : point.GetCloudFlag())});
             else if (groupHeld && isNew && point.GetCloudId() < 1)
                 found.push_back({item, false, g, p, "its group is held back"});
+            else if (conversionHeld && hasPosition)
+                found.push_back({item, false, g, p,
+                                 "its group's conversion is held back, and its position belongs to that"});
         }
     }
     return found;

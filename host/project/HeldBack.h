@@ -22,8 +22,9 @@ struct HeldItem {
     std::string why;
 };
 
-/// Added items with a text that no record can carry, changed ones where such a text is what changed, and new
-/// points of new groups that are held.
+/// Added items with a text that no record can carry, changed ones where such a text is what changed, new
+/// points of new groups that are held, and points that wait with a position when their group's conversion is
+/// held.
 std::vector<HeldItem> FindHeld(CLibGps& book, CloudTables& tables);
 
 /// Keeps them out of what the tables send, as long as it lives.

@@ -178,8 +178,24 @@ TEST_F(Held, ProjectionThatIsDefinedByATextHoldsAKnownGroupWhenTheConversionChan
     EXPECT_EQ(Texts(), Texts_{}) << "the name can be sent";
     group.GetConvCoord()->SetImp(1, 9);
     EXPECT_EQ(Texts(), Texts_{"1: " + kByText});
+}
+
+TEST_F(Held, KnownGroupWhoseConversionIsHeldHoldsThePositionsInIt) {
+    test::Settle(project_);
+    CGrpGps& group = *book_.GetGrpAt(1);
+    Define(group, "+proj=tmerc +lat_0=0 +lon_0=15 +k=0.9996 +x_0=500000 +ellps=GRS80");
+    book_.GetPunAt(1, 0)->SetQua(4);
+    EXPECT_EQ(Texts(), Texts_{"1: " + kByText}) << "a quality is the same in any plane system";
+    book_.GetPunAt(1, 0)->SetCoord(1, 2, 3);
+    book_.GetPunAt(0, 0)->SetCoord(1, 2, 3);
     book_.AddPun(1, false)->SetNome("B2");
-    EXPECT_EQ(Texts(), Texts_{"1: " + kByText}) << "its group is known";
+    const std::string why = "its group's conversion is held back, and its position belongs to that";
+    EXPECT_EQ(Texts(), (Texts_{"1: " + kByText, "1/0: " + why, "1/1: " + why}));
+    Define(group, "EPSG:32633");
+    EXPECT_EQ(Texts(), Texts_{});
+    group.SetNomeGrp("B;");
+    EXPECT_EQ(Texts(), (Texts_{"1: the group name holds a ';'", "1/0: " + why, "1/1: " + why}))
+        << "with the group its conversion waits";
 }
 
 TEST_F(Held, HoldingKeepsThemOutAsLongAsItLives) {

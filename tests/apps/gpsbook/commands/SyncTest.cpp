@@ -385,22 +385,26 @@ TEST(Sync, GroupWhoseProjectionIsATextIsHeldBackUntilItHasACode) {
     site.ExpectSame();
 }
 
-TEST(Sync, KnownGroupThatGetsAProjectionByATextIsHeldBackAndItsPointsAreSent) {
+TEST(Sync, KnownGroupThatGetsAProjectionByATextIsHeldBackWithThePositionsInIt) {
     const SharedSite site;
     site.Share();
-    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay", kUtm33}).exitCode, 0);
+    const std::vector<std::string> before = site.Table("bert");
+    constexpr char further[] = "crs=+proj=tmerc +lat_0=0 +lon_0=12 +k=0.9996 +x_0=500000 +y_0=0 +ellps=WGS84";
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay", further}).exitCode, 0);
     ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
     ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=P5"}).exitCode, 0);
     const json done = site.Sync("anna");
-    EXPECT_EQ(done["held"], 1);
-    EXPECT_EQ(done["sent"]["new"], 1);
+    EXPECT_EQ(done["held"], 6);
+    EXPECT_EQ(done["sent"]["new"], 0);
     const json held = site.Status("anna")["held"];
-    ASSERT_EQ(held.size(), 1U);
+    ASSERT_EQ(held.size(), 6U);
     EXPECT_EQ(held[0]["name"], "Quay");
     EXPECT_EQ(held[0]["why"], kByText);
+    EXPECT_EQ(held[5]["name"], "Quay/P5");
+    EXPECT_EQ(held[5]["why"], "its group's conversion is held back, and its position belongs to that");
     site.Sync("bert");
     EXPECT_EQ(site.FieldOf("bert", "Quay", "crs"), "EPSG:32633") << "as it was";
-    EXPECT_EQ(site.FieldOf("bert", "Quay/P1", "code"), "FENCE");
+    EXPECT_EQ(site.Table("bert"), before) << "coordinates, too";
     ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay", "crs=EPSG:32632"}).exitCode, 0);
     EXPECT_EQ(site.Sync("anna")["held"], 0);
     site.Sync("bert");
