@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "gps/cloud/FieldLayout.h"
+#include "gps/cloud/TableSteps.h"
 #include "gps/model/CLibGps.h"
 #include "host/project/BookEdits.h"
 #include "host/project/EditCodes.h"
@@ -105,6 +106,14 @@ void AddTo(std::vector<CloudConflict>& conflicts, int& last, CloudConflict confl
     ++last;
 }
 
+/// 0: the text is no id.
+std::int64_t IdIn(std::string_view text) {
+    if (text.empty() || text.size() > 18 ||
+        !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return 0;
+    return IdOf(text);
+}
+
 /// The id that a reply is about; 0: it has none.
 std::int64_t IdOf(const CloudReply& reply) {
     const std::size_t at = reply.deleted ? 1 : 0;
@@ -112,11 +121,7 @@ std::int64_t IdOf(const CloudReply& reply) {
                                : reply.kind == CloudKind::group ? GRP_REPLY_FIELDS
                                                                 : PUN_REPLY_FIELDS;
     if (reply.fields.size() != fields) return 0;
-    const std::string_view text = reply.fields[at].View();
-    if (text.empty() || text.size() > 18 ||
-        !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
-        return 0;
-    return IdOf(text);
+    return IdIn(reply.fields[at].View());
 }
 
 /// Texts that no record carries: they are nowhere but here.
@@ -359,10 +364,8 @@ void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, st
         AddConflict(std::move(conflict));
         ++taken.conflicts;
     };
-    // What this book would send itself is there already, and more exactly: a reply holds covariances up to 1
-    // and types of 0 or 1.
     if (item && item->GetCloudFlag() == 0 && IsAsHere(reply, *item)) return;
-    if (id < 1 || !table.UpdateSuccessful_Edit(reply.fields)) {
+    if (item ? !TakeFields(reply, *item) : id < 1 || !table.UpdateSuccessful_Edit(reply.fields)) {
         // A new point of a group that was deleted here: the deletion is still to be sent, and takes the
         // point.
         if (id > 0 && reply.kind == CloudKind::point) {
@@ -405,6 +408,32 @@ bool BookCloud::IsAsHere(const CloudReply& reply, CCloudItem& item) {
         if (last ? !left.empty() : !left.starts_with(';')) return false;
         if (!last) left.remove_prefix(1);
     }
+    return true;
+}
+
+// As UpdateSuccessful_Edit does it with an item that is here. But what this book would send itself is there
+// already, and more exactly: a reply holds covariances up to 1 and types of 0 or 1.
+bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item) {
+    if (IdIn(reply.fields[1].View()) < 1) return false;
+    std::uint32_t bits = 0;
+    vex::String here;
+    for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
+        if (item.GetCloudFlag() & fields.bit) continue;
+        FieldsOf(reply.kind, item, fields.bit, here);
+        if (here.View() != Joined(reply.fields, fields)) bits |= fields.bit;
+    }
+    {
+        const ReportsOff off(item);
+        for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
+            if ((bits & fields.bit) == 0) continue;
+            if (reply.kind == CloudKind::group)
+                tables_.base.SetFields(static_cast<CGrpGps&>(item), fields.bit, &reply.fields[fields.first]);
+            else
+                tables_.points.SetFields(static_cast<CPunGps&>(item), fields.bit,
+                                         &reply.fields[fields.first]);
+        }
+    }
+    NotifyReply(&book_);
     return true;
 }
 

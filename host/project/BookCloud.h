@@ -104,6 +104,7 @@ private:
                        Taken& taken);
     [[noreturn]] void RefuseReply(const CloudReply& reply) const;
     bool IsAsHere(const CloudReply& reply, CCloudItem& item);
+    bool TakeFields(const CloudReply& reply, CCloudItem& item);
     bool HasUnconfirmed(int g) const;
     void AddConflict(CloudConflict conflict);
     CCloudTable& TableOf(CloudKind kind);

@@ -211,7 +211,7 @@ TEST_F(Echo, LeavesAPointThatIsTheSameAsExactAsItIs) {
     EXPECT_FALSE(cloud_.HasToSend());
 }
 
-TEST_F(Echo, OneOtherFieldBringsTheWholePoint) {
+TEST_F(Echo, OneOtherFieldLeavesTheOthersOfThePointAsExactAsTheyAre) {
     Send();
     const CloudReply same = Back("A1");
     for (std::size_t i = 2; i < same.fields.size(); ++i) {
@@ -221,9 +221,28 @@ TEST_F(Echo, OneOtherFieldBringsTheWholePoint) {
         CloudReply other = same;
         other.fields[i] = i < 4 ? "other" : "3";
         EXPECT_EQ(cloud_.TakePage(PageOf(3, {other})).points, 1) << i;
-        EXPECT_NE(point_.GetPosCov_xx(), 2.5F) << i;
+        constexpr std::size_t covariances = 23;
+        EXPECT_EQ(point_.GetPosCov_xx() == 2.5F, i < covariances) << i;
+        EXPECT_FALSE(cloud_.HasToSend()) << i;
+        vex::String fields;
+        project_->GetCloud().GetTables().points.GetFields(point_, 0x1FFFF, fields);
+        std::string theirs;
+        for (std::size_t k = 2; k < other.fields.size(); ++k) {
+            if (k > 2) theirs += ';';
+            theirs += other.fields[k].View();
+        }
+        EXPECT_EQ(fields.View(), theirs) << i;
         cloud_.TakePage(PageOf(3, {same}));
     }
+}
+
+TEST_F(Echo, ReplyWithoutAGroupIsRefused) {
+    Send();
+    CloudReply other = Back("other");
+    other.fields[1] = "0";
+    EXPECT_EQ(test::KindOf([&] { cloud_.TakePage(PageOf(3, {other})); }),
+              gpsproject::ProjectError::Kind::damaged);
+    EXPECT_EQ(point_.GetNome(), "A1");
 }
 
 TEST_F(Echo, TextThatOnlyBeginsAsItDoesHereIsAnotherOne) {
@@ -247,7 +266,10 @@ TEST_F(Echo, LeavesAGroupThatIsTheSameAsExactAsItIs) {
     same.fields[13] = "2.5";  // height of the base
     EXPECT_EQ(cloud_.TakePage(PageOf(4, {same})).groups, 1);
     EXPECT_EQ(group_.GetBaseElev(), 2.5);
-    EXPECT_EQ(group_.GetTipoRilievo(), 1) << "a record knows 0 and 1";
+    EXPECT_EQ(group_.GetTipoRilievo(), 7) << "a record knows 0 and 1";
+    same.fields[9] = "0";
+    cloud_.TakePage(PageOf(5, {same}));
+    EXPECT_EQ(group_.GetTipoRilievo(), 0) << "what others set comes";
 }
 
 TEST_F(Echo, OfWhatWaitsItTellsTheConflict) {
