@@ -53,7 +53,6 @@ void Send(Project& project, Transport& transport, const Sender& sender, SyncRepo
     report.deleted += static_cast<int>(deleted - std::min(deleted, notDeleted));
     report.changed += static_cast<int>(changed - std::min(changed, notChanged));
     report.refused = static_cast<int>(answer.refused.size());
-    report.conflicts += static_cast<int>(answer.clashes.size());
     step("store the answer");
     project.GetEdits().Commit();
 }
@@ -67,8 +66,10 @@ bool Answers(const PullPage& page, const PullRequest& request, const gpsproject:
     return page.upTo >= std::max(state.revision, known);
 }
 
-void Pull(Project& project, Transport& transport, const Sender& sender, SyncReport& report,
+/// True when positions were computed, which others have to get.
+bool Pull(Project& project, Transport& transport, const Sender& sender, SyncReport& report,
           const std::function<void(const char*)>& step) {
+    bool computed = false;
     BookCloud& cloud = project.GetCloud();
     PullRequest request = cloud.GetPullRequest();
     for (;;) {
@@ -83,7 +84,7 @@ void Pull(Project& project, Transport& transport, const Sender& sender, SyncRepo
         report.taken.groups += taken.groups;
         report.taken.points += taken.points;
         report.taken.deleted += taken.deleted;
-        report.conflicts += taken.conflicts;
+        computed = computed || !taken.computed.empty();
         if (page.last) break;
         const PullRequest now = cloud.GetPullRequest();
         request.known = now.known;
@@ -94,6 +95,7 @@ void Pull(Project& project, Transport& transport, const Sender& sender, SyncRepo
     }
     step("store what was pulled");
     project.GetEdits().Commit();
+    return computed;
 }
 
 }  // namespace
@@ -111,6 +113,7 @@ SyncReport Sync(Project& project, Transport& transport, const Sender& sender,
                 ": is not open for writing; a book is synced only when its file can be written");
     BookCloud& cloud = project.GetCloud();
     SyncReport report;
+    const int lastConflict = cloud.GetState().lastConflict;
     if (cloud.GetCommit()) {
         // Its text is the one that was sent before, whatever was edited since: that follows with the next.
         report.repeated = true;
@@ -118,7 +121,13 @@ SyncReport Sync(Project& project, Transport& transport, const Sender& sender,
     }
     step("begin a commit");
     if (cloud.HasToSend() && cloud.BeginCommit(RandomHex())) Send(project, transport, sender, report, step);
-    Pull(project, transport, sender, report, step);
+    // Once more, and not again: what is computed brings nothing to compute. What was refused is told first.
+    if (Pull(project, transport, sender, report, step) && report.refused == 0 &&
+        cloud.BeginCommit(RandomHex()))
+        Send(project, transport, sender, report, step);
+    const auto& conflicts = cloud.GetState().conflicts;
+    report.conflicts = static_cast<int>(std::count_if(
+        conflicts.begin(), conflicts.end(), [&](const auto& one) { return one.number > lastConflict; }));
     report.held = static_cast<int>(gpsproject::FindHeld(project.GetBook(), cloud.GetTables()).size());
     report.revision = cloud.GetState().revision;
     return report;

@@ -19,13 +19,15 @@ struct SyncReport {
     int refused = 0;                     // records that the server did not take (CloudState::refusals)
     int held = 0;                        // items that no record can carry (FindHeld)
     gpsproject::BookCloud::Taken taken;  // of what others did
-    int conflicts = 0;                   // new ones, of both ways
+    int conflicts = 0;                   // new ones, of both ways, that are not settled
     std::int64_t revision = 0;           // of the project that the book has now
 };
 
-/// Sends what waits in the book and takes what others changed. The book is linked (BookCloud::Link), and the
-/// transport leads to its project. What was sent or taken is on the disk at the end, in the journal; when an
-/// error ends it in between, the book stands at the last step that was finished, and the next sync goes on.
+/// Sends what waits in the book and takes what others changed. Positions that are computed then
+/// (BookCloud::TakePage) are sent at once, too, unless records of the commit before were refused. The book is
+/// linked (BookCloud::Link), and the transport leads to its project. What was sent or taken is on the disk at
+/// the end, in the journal; when an error ends it in between, the book stands at the last step that was
+/// finished, and the next sync goes on.
 ///
 /// `progress`, which may be empty, is called between two steps with what comes next; it may throw.
 ///

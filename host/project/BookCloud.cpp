@@ -1,6 +1,7 @@
 #include "host/project/BookCloud.h"
 
 #include <algorithm>
+#include <set>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -156,6 +157,7 @@ void BookCloud::Link(const CloudLink& link) {
         }
     }
     tables_.Link();
+    derived_.Clear();
     state_ = {};
     state_.link = link;
 }
@@ -299,13 +301,15 @@ void BookCloud::PullAgainAfter(const CloudState& copy) {
 BookCloud::Taken BookCloud::TakePage(const PullPage& page) {
     Taken taken;
     const bool nothing = page.replies.empty() && page.last && page.upTo == state_.revision &&
-                         page.head == state_.head && state_.own.empty() && state_.again < 0;
+                         page.head == state_.head && state_.own.empty() && state_.again < 0 &&
+                         derived_.IsEmpty();
     if (nothing) return taken;
     std::size_t done = 0;
     try {
         Edit edit(edits_);
         edits_.NoteCloud(kPageTaken, [&](ofpstream& out) { WritePage(out, page); });
         Apply(page, taken, done);
+        NoteComputed(taken);
         edit.Done();
         return taken;
     } catch (...) {
@@ -317,6 +321,7 @@ BookCloud::Taken BookCloud::TakePage(const PullPage& page) {
             part.replies.resize(done);
             Edit edit(edits_);
             edits_.NoteCloud(kPageTaken, [&](ofpstream& out) { WritePage(out, part); });
+            NoteComputed(taken);
             edit.Done();
         }
         throw;
@@ -338,6 +343,7 @@ void BookCloud::Apply(const PullPage& page, Taken& taken, std::size_t& done) {
     }
     Knows(newest, page.head);
     if (page.last) {
+        ComputePositions(taken);
         state_.revision = page.upTo;
         state_.again = -1;
         std::erase_if(state_.own, [&](std::int64_t revision) { return revision <= page.upTo; });
@@ -422,6 +428,7 @@ bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item) {
         FieldsOf(reply.kind, item, fields.bit, here);
         if (here.View() != Joined(reply.fields, fields)) bits |= fields.bit;
     }
+    LookAtPositions(reply, item, bits);
     {
         const ReportsOff off(item);
         for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
@@ -435,6 +442,37 @@ bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item) {
     }
     NotifyReply(&book_);
     return true;
+}
+
+void BookCloud::LookAtPositions(const CloudReply& reply, CCloudItem& item, std::uint32_t bits) {
+    int g = -1, p = -1;
+    if (reply.kind == CloudKind::point) {
+        if (bits & kPointFix && book_.GetIndiciDiPun(static_cast<CPunGps*>(&item), g, p))
+            derived_.LookAtPoint(g, p);
+        return;
+    }
+    if (!(bits & (kBaseFix | kConversion)) || !book_.GetIndiciDiGrp(static_cast<CGrpGps*>(&item), g)) return;
+    if (!(bits & kConversion)) return derived_.LookAtPoint(g, p);
+    derived_.LookAtGroup(g);
+    if (!(bits & CHG_GRP_CONVCOORD)) return;
+    vex::String here;
+    FieldsOf(reply.kind, item, CHG_GRP_CONVCOORD, here);
+    if (IsOtherMap(here.View(), Joined(reply.fields, GRP_FIELDS.back()))) derived_.LookAtAll();
+}
+
+void BookCloud::ComputePositions(Taken& taken) {
+    taken.computed = derived_.Recompute();
+    if (taken.computed.empty()) return;
+    const std::vector<int> moot = FindConflictsOfPositions(taken.computed);
+    std::erase_if(state_.conflicts, [&](const CloudConflict& one) {
+        return std::binary_search(moot.begin(), moot.end(), one.number);
+    });
+    NotifyReply(&book_);
+}
+
+// Replay computes them too, but another program may do it a little differently.
+void BookCloud::NoteComputed(const Taken& taken) {
+    for (const auto& [g, p] : taken.computed) p < 0 ? edits_.GroupChanged(g) : edits_.PointChanged(g, p);
 }
 
 void BookCloud::RefuseReply(const CloudReply& reply) const {
@@ -515,6 +553,21 @@ const CloudConflict* BookCloud::FindConflict(int number) const {
     return found == state_.conflicts.end() ? nullptr : &*found;
 }
 
+std::vector<int> BookCloud::FindConflictsOfPositions(
+    const std::vector<DerivedPositions::Place>& places) const {
+    std::set<std::pair<CloudKind, std::int64_t>> items;
+    for (const auto& [g, p] : places)
+        p < 0 ? items.emplace(CloudKind::group, book_.GetGrpAt(g)->GetCloudId())
+              : items.emplace(CloudKind::point, book_.GetPunAt(g, p)->GetCloudId());
+    std::vector<int> numbers;
+    for (const CloudConflict& one : state_.conflicts)
+        if (one.kind == CloudConflict::Kind::field && one.clash.bit == CHG_COORD &&
+            items.contains({one.clash.kind, one.clash.id}))
+            numbers.push_back(one.number);
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
 bool BookCloud::DropConflict(int number) {
     if (!FindConflict(number)) return false;
     Edit edit(edits_);
@@ -530,12 +583,14 @@ void BookCloud::SalvaInFile(ofpstream& out) const {
     WriteCloudState(out, state_);
     tables_.base.SalvaStato(out);
     tables_.points.SalvaStato(out);
+    if (!derived_.IsEmpty()) derived_.SalvaInFile(out);
 }
 
 void BookCloud::LeggeDaFile(ifpstream& in) {
     ReadCloudState(in, state_);
     tables_.base.LeggeStato(in);
     tables_.points.LeggeStato(in);
+    if (in.GetRemaining() > 0) derived_.LeggeDaFile(in);
 }
 
 void BookCloud::GoOnAsRead() { tables_.Link(); }

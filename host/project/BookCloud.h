@@ -7,6 +7,7 @@
 
 #include "host/project/CloudState.h"
 #include "host/project/CloudTables.h"
+#include "host/project/DerivedPositions.h"
 
 class CDrawingsMapper;
 class CLibGps;
@@ -65,10 +66,13 @@ public:
         int groups = 0, points = 0;  // new or changed
         int deleted = 0;             // groups and points, without those that went with their group
         int conflicts = 0;
+        std::vector<DerivedPositions::Place> computed;  // positions, at the last page; they wait to be sent
     };
 
     /// Takes a page of what others changed. A field that waits to be sent keeps its value and becomes a
-    /// conflict; what is deleted and holds something unconfirmed is kept as a conflict first.
+    /// conflict; what is deleted and holds something unconfirmed is kept as a conflict first. A fix or a
+    /// conversion that comes without the positions that belong to it has these computed (DerivedPositions),
+    /// which settles what conflicts there are about them.
     /// Requires: no commit is under way. Errors: ProjectError (damaged) for a page with a reply that cannot
     /// be applied; those before it are, and the revision stays.
     Taken TakePage(const PullPage& page);
@@ -76,6 +80,9 @@ public:
     /// A conflict is settled. False: there is none of that number.
     bool DropConflict(int number);
     const CloudConflict* FindConflict(int number) const;
+
+    /// Numbers of those about the positions of these items.
+    std::vector<int> FindConflictsOfPositions(const std::vector<DerivedPositions::Place>& places) const;
 
     // --- for Project ---------------------------------------------------------------------------------
 
@@ -105,6 +112,9 @@ private:
     [[noreturn]] void RefuseReply(const CloudReply& reply) const;
     bool IsAsHere(const CloudReply& reply, CCloudItem& item);
     bool TakeFields(const CloudReply& reply, CCloudItem& item);
+    void LookAtPositions(const CloudReply& reply, CCloudItem& item, std::uint32_t bits);
+    void ComputePositions(Taken& taken);
+    void NoteComputed(const Taken& taken);
     bool HasUnconfirmed(int g) const;
     void AddConflict(CloudConflict conflict);
     CCloudTable& TableOf(CloudKind kind);
@@ -114,6 +124,7 @@ private:
     CLibGps& book_;
     BookEdits& edits_;
     CloudState state_;
+    DerivedPositions derived_{book_};  // in a pull, also one that broke off
 };
 
 }  // namespace gpsproject

@@ -76,6 +76,13 @@ void TakeTheirs(Project& project, int number) {
                              : book.GetIndiciDiPun(static_cast<CPunGps*>(item), g, p));
     if (!here) Refuse(Kind::notFound, project, number, "is about an item that is not in the book any more");
     BookEdits& edits = project.GetEdits();
+    DerivedPositions derived(book);
+    if (group ? (clash.bit & kBaseFix) : (clash.bit & kPointFix)) derived.LookAtPoint(g, p);
+    if (group && (clash.bit & kConversion)) {
+        vex::String ours;
+        tables.base.GetFields(*book.GetGrpAt(g), clash.bit, ours);
+        IsOtherMap(ours.View(), clash.theirs) ? derived.LookAtAll() : derived.LookAtGroup(g);
+    }
     Edit edit(edits);
     if (group) {
         CGrpGps& its = *book.GetGrpAt(g);
@@ -88,6 +95,11 @@ void TakeTheirs(Project& project, int number) {
         tables.points.SetFields(*book.GetPunAt(g, p), clash.bit, texts.data());
         edits.PointChanged(g, p);
     }
+    const std::vector<DerivedPositions::Place> computed = derived.Recompute();
+    for (const DerivedPositions::Place& at : computed)
+        at.p < 0 ? edits.GroupChanged(at.g) : edits.PointChanged(at.g, at.p);
+    for (const int moot : project.GetCloud().FindConflictsOfPositions(computed))
+        project.GetCloud().DropConflict(moot);
     project.GetCloud().DropConflict(number);
     edit.Done();
 }

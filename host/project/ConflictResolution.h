@@ -13,7 +13,8 @@ namespace gpsproject {
 /// What stands in the book stays; of a kept item: it stays deleted, and what was kept of it goes.
 void KeepAsItIs(Project& project, int number);
 
-/// The other one's value comes into the book, as an edit: it is sent with the next sync.
+/// The other one's value comes into the book, as an edit: it is sent with the next sync. Positions that were
+/// those of their fixes follow a fix or a conversion, and conflicts about them are settled, too.
 void TakeTheirs(Project& project, int number);
 
 /// A kept group, or point, comes into the book again, as a new one. A point goes into group `g`; -1: into the
