@@ -41,7 +41,7 @@ void CopyFields(const Values& from, Values& to, const FieldGroup& fields) {
     std::copy_n(from.begin() + first, fields.count, to.begin() + first);
 }
 
-constexpr std::size_t kGroupName = 6;  // among the values of a group
+constexpr auto kGroupName = static_cast<std::size_t>(gpsproject::kGroupNameField - 2);  // among the values
 
 const FieldGroup& Conversion() { return GRP_FIELDS.back(); }
 

@@ -6,12 +6,12 @@
 #include <limits>
 #include <span>
 
-#include "gps/cloud/FieldLayout.h"
-#include "host/project/CloudMessages.h"
+#include "host/project/CloudItems.h"
 
 namespace gpssync {
 
 using gpsproject::CloudKind;
+using gpsproject::FieldGroupsOf;
 
 enum class FieldType : std::uint8_t { text, real, whole };
 
@@ -176,11 +176,6 @@ inline std::span<const Field> FieldsOf(CloudKind kind) {
 /// The fields that a store keeps with the item itself: not the map library's.
 inline constexpr bool IsOfMap(CloudKind kind, std::size_t i) {
     return kind == CloudKind::group && i >= kSelectedDatum && i < kBehindMap;
-}
-
-inline std::span<const FieldGroup> FieldGroupsOf(CloudKind kind) {
-    if (kind == CloudKind::group) return GRP_FIELDS;
-    return PUN_FIELDS;
 }
 
 inline const char* NameOf(CloudKind kind) { return kind == CloudKind::group ? "group" : "point"; }
