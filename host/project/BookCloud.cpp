@@ -1,8 +1,8 @@
 #include "host/project/BookCloud.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
-#include <span>
 #include <string_view>
 #include <utility>
 
@@ -10,6 +10,7 @@
 #include "gps/cloud/TableSteps.h"
 #include "gps/model/CLibGps.h"
 #include "host/project/BookEdits.h"
+#include "host/project/CloudItems.h"
 #include "host/project/EditCodes.h"
 #include "host/project/HeldBack.h"
 #include "host/project/KeptItem.h"
@@ -28,12 +29,6 @@ struct SentRecord {
     std::string_view tag, second, third;
     std::string_view name;  // of a new item, as people call it
 };
-
-// A group goes by its group name, and by that of its entity when it has none.
-constexpr int kGroupName = 7;  // place in an add record; one more in a reply
-std::string_view GroupName(std::string_view groupName, std::string_view entityName) {
-    return groupName.empty() ? entityName : groupName;
-}
 
 // Texts with separators are never sent: fields are what stands between the separators.
 template <class Visit>
@@ -55,7 +50,7 @@ void ForEachRecord(std::string_view records, Visit visit) {
         record.third = next();
         record.name = record.third;
         if (record.tag == "IBAS") {
-            for (int i = 3; i < kGroupName; ++i) next();
+            for (int i = 3; i < kGroupNameField - 1; ++i) next();
             record.name = GroupName(next(), record.second);
         }
         visit(++number, record);
@@ -66,11 +61,6 @@ std::int64_t IdOf(std::string_view digits) {
     std::int64_t id = 0;
     for (const char c : digits) id = id * 10 + (c - '0');  // written by the tables
     return id;
-}
-
-std::span<const FieldGroup> FieldsOfKind(CloudKind kind) {
-    if (kind == CloudKind::group) return GRP_FIELDS;
-    return PUN_FIELDS;
 }
 
 std::string Joined(const std::vector<vex::String>& fields, const FieldGroup& group) {
@@ -92,19 +82,7 @@ std::string AuthorOf(const PullPage& page, const CloudReply& reply) {
 std::string NameIn(const CloudReply& reply) {
     const std::string_view name = reply.fields[2].View();
     if (reply.kind == CloudKind::point) return std::string(name);
-    return std::string(GroupName(reply.fields[kGroupName + 1].View(), name));
-}
-
-void AddTo(std::vector<CloudConflict>& conflicts, int& last, CloudConflict conflict) {
-    // Of the same field the newest is what there is to decide. What was kept stays, each for itself.
-    std::erase_if(conflicts, [&](const CloudConflict& other) {
-        return other.kind == conflict.kind && other.clash.kind == conflict.clash.kind &&
-               other.clash.id == conflict.clash.id && other.clash.bit == conflict.clash.bit &&
-               other.record == conflict.record;
-    });
-    conflict.number = last + 1;
-    conflicts.push_back(std::move(conflict));
-    ++last;
+    return std::string(GroupName(reply.fields[kGroupNameField].View(), name));
 }
 
 /// 0: the text is no id.
@@ -125,11 +103,36 @@ std::int64_t IdOf(const CloudReply& reply) {
     return IdIn(reply.fields[at].View());
 }
 
+/// Kept points of groups that were added again, each with its group, which had no id when that was noted.
+std::vector<std::pair<CloudConflict*, const CGrpGps*>> GroupsAddedAgain(std::vector<CloudConflict>& conflicts,
+                                                                        const CLibGps& book) {
+    std::map<std::int64_t, const CGrpGps*> groups;
+    for (const CloudConflict& conflict : conflicts)
+        if (conflict.groupId < 0) groups.emplace(-conflict.groupId, nullptr);
+    for (int g = 0; g < book.GetGrpArSize() && !groups.empty(); ++g) {
+        const CGrpGps* const group = book.GetGrpAt(g);
+        const auto found = groups.find(group->GetTicket());
+        // Among those with ids a ticket may be there twice.
+        if (found != groups.end() && (!found->second || group->GetCloudId() < 1)) found->second = group;
+    }
+    std::vector<std::pair<CloudConflict*, const CGrpGps*>> pairs;
+    for (CloudConflict& conflict : conflicts)
+        if (const auto found = groups.find(-conflict.groupId); found != groups.end() && found->second)
+            pairs.emplace_back(&conflict, found->second);
+    return pairs;
+}
+
 /// Texts that no record carries: they are nowhere but here.
 bool HasOwnTexts(const CEgn& entity) {
     const std::string& photos = entity.GetNomiFoto_Raw();
     return !entity.GetNote().empty() || !entity.GetTerScri().empty() || !entity.GetAttribDis().empty() ||
            (!photos.empty() && photos != "******");
+}
+
+/// In a kept conflict the value of this side says why: see CloudConflict.
+std::string WhyKept(bool unconfirmed, bool unseen) {
+    if (!unseen) return {};
+    return unconfirmed ? "unseen, unsent" : "unseen";
 }
 
 bool IsUnconfirmed(const CPunGps& point) { return point.GetCloudFlag() != 0 || HasOwnTexts(point); }
@@ -160,6 +163,7 @@ void BookCloud::Link(const CloudLink& link) {
     derived_.Clear();
     state_ = {};
     state_.link = link;
+    conflicts_.Forget();
 }
 
 void BookCloud::SetLink(const CloudLink& link) { state_.link = link; }
@@ -238,17 +242,23 @@ void BookCloud::Answered(const CommitAnswer& answer, int device) {
             refusal.id = IdOf(record.third);
         else
             refusal.name = record.name;
+        // The next page may take it away, and the reason is read later.
+        if (CCloudItem* const item = FindItem(tables_, refusal.kind, refusal.id))
+            refusal.name = ItemName(book_, refusal.kind, item);
         refusals.push_back(std::move(refusal));
     });
 
     std::vector<CloudConflict> conflicts = state_.conflicts;
     int lastConflict = state_.lastConflict;
+    ConflictList list(conflicts, lastConflict);
     for (const CloudClash& clash : answer.clashes) {
         CloudConflict conflict;
         conflict.kind = clash.bit == 0 ? CloudConflict::Kind::deletedHere : CloudConflict::Kind::field;
         conflict.clash = clash;
-        AddTo(conflicts, lastConflict, std::move(conflict));
+        list.Add(std::move(conflict));
     }
+    list.Sweep();
+    const auto addedAgain = GroupsAddedAgain(conflicts, book_);
     state_.own.reserve(state_.own.size() + 1);
     state_.head.reserve(answer.head.size());
 
@@ -264,7 +274,10 @@ void BookCloud::Answered(const CommitAnswer& answer, int device) {
     // Nothing fails from here on.
     tables_.base.EndCommit();
     tables_.points.EndCommit();
+    for (const auto& [conflict, group] : addedAgain)
+        if (group->GetCloudId() > 0) conflict->groupId = group->GetCloudId();
     state_.conflicts = std::move(conflicts);
+    conflicts_.Forget();
     state_.lastConflict = lastConflict;
     state_.refusals = std::move(refusals);
     if (answer.revision > 0) {
@@ -331,6 +344,7 @@ BookCloud::Taken BookCloud::TakePage(const PullPage& page) {
 void BookCloud::Apply(const PullPage& page, Taken& taken, std::size_t& done) {
     const std::int64_t newest = std::max(page.newest, page.upTo);
     state_.head.reserve(page.head.size());
+    const ConflictSweep sweep(conflicts_);
     for (const CloudReply& reply : page.replies) {
         const std::string author = AuthorOf(page, reply);
         if (reply.deleted)
@@ -344,6 +358,7 @@ void BookCloud::Apply(const PullPage& page, Taken& taken, std::size_t& done) {
     Knows(newest, page.head);
     if (page.last) {
         ComputePositions(taken);
+        DropEqual();
         state_.revision = page.upTo;
         state_.again = -1;
         std::erase_if(state_.own, [&](std::int64_t revision) { return revision <= page.upTo; });
@@ -367,17 +382,23 @@ void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, st
         conflict.clash.device = reply.device;
         conflict.clash.author = author;
         conflict.clash.revision = revision;
+        if (!known) conflict.clash.theirs = "added";
+        if (reply.kind == CloudKind::point) {
+            conflict.groupId = IdIn(reply.fields[1].View());
+            if (CCloudItem* const group = FindItem(tables_, CloudKind::group, conflict.groupId))
+                conflict.group = GroupName(*static_cast<CGrpGps*>(group));
+        }
         AddConflict(std::move(conflict));
         ++taken.conflicts;
     };
     if (item && item->GetCloudFlag() == 0 && IsAsHere(reply, *item)) return;
+    std::set<int> overtaken = item ? Overtaken(reply, id, *item) : std::set<int>{};
     if (item ? !TakeFields(reply, *item) : id < 1 || !table.UpdateSuccessful_Edit(reply.fields)) {
         // A new point of a group that was deleted here: the deletion is still to be sent, and takes the
         // point.
         if (id > 0 && reply.kind == CloudKind::point) {
-            CloudReply parent = reply;
-            std::swap(parent.fields[0], parent.fields[1]);
-            if (CCloudItem* group = nullptr; tables_.base.FindItem(IdOf(parent), group) && !group)
+            CCloudItem* group = nullptr;
+            if (tables_.base.FindItem(IdIn(reply.fields[1].View()), group) && !group)
                 return tellDeletedHere();
         }
         RefuseReply(reply);
@@ -385,9 +406,10 @@ void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, st
     if (known && !item) return tellDeletedHere();
     ++(reply.kind == CloudKind::group ? taken.groups : taken.points);
     if (!item) return;
+    conflicts_.Drop(overtaken);
     // Local values that wait have stayed: what the other one set is worth telling where it differs.
     vex::String mine;
-    for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
+    for (const FieldGroup& fields : FieldGroupsOf(reply.kind)) {
         if ((item->GetCloudFlag() & fields.bit) == 0) continue;
         FieldsOf(reply.kind, *item, fields.bit, mine);
         std::string theirs = Joined(reply.fields, fields);
@@ -423,7 +445,7 @@ bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item) {
     if (IdIn(reply.fields[1].View()) < 1) return false;
     std::uint32_t bits = 0;
     vex::String here;
-    for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
+    for (const FieldGroup& fields : FieldGroupsOf(reply.kind)) {
         if (item.GetCloudFlag() & fields.bit) continue;
         FieldsOf(reply.kind, item, fields.bit, here);
         if (here.View() != Joined(reply.fields, fields)) bits |= fields.bit;
@@ -431,7 +453,7 @@ bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item) {
     LookAtPositions(reply, item, bits);
     {
         const ReportsOff off(item);
-        for (const FieldGroup& fields : FieldsOfKind(reply.kind)) {
+        for (const FieldGroup& fields : FieldGroupsOf(reply.kind)) {
             if ((bits & fields.bit) == 0) continue;
             if (reply.kind == CloudKind::group)
                 tables_.base.SetFields(static_cast<CGrpGps&>(item), fields.bit, &reply.fields[fields.first]);
@@ -464,9 +486,8 @@ void BookCloud::ComputePositions(Taken& taken) {
     taken.computed = derived_.Recompute();
     if (taken.computed.empty()) return;
     const std::vector<int> moot = FindConflictsOfPositions(taken.computed);
-    std::erase_if(state_.conflicts, [&](const CloudConflict& one) {
-        return std::binary_search(moot.begin(), moot.end(), one.number);
-    });
+    std::set<int> settled(moot.begin(), moot.end());
+    conflicts_.Drop(settled);
     NotifyReply(&book_);
 }
 
@@ -515,17 +536,19 @@ void BookCloud::ApplyDeletion(const CloudReply& reply, const std::string& author
         // The tables hold nothing but the book's groups and points.
         if (reply.kind == CloudKind::group) {
             CGrpGps* group = static_cast<CGrpGps*>(item);
-            if (book_.GetIndiciDiGrp(group, g) && HasUnconfirmed(g)) {
-                conflict.clash.name = conflict.group = group->GetNomeGrp();
+            if (book_.GetIndiciDiGrp(group, g) && (HasUnconfirmed(g) || reply.unseen)) {
+                conflict.clash.mine = WhyKept(HasUnconfirmed(g), reply.unseen);
+                conflict.clash.name = conflict.group = GroupName(*group);
                 conflict.groupId = id;
                 conflict.keptPoints = book_.GetPunArSize(g);
                 conflict.record = KeepGroup(book_, g);
             }
         } else {
             CPunGps* point = static_cast<CPunGps*>(item);
-            if (IsUnconfirmed(*point) && book_.GetIndiciDiPun(point, g, p)) {
+            if ((IsUnconfirmed(*point) || reply.unseen) && book_.GetIndiciDiPun(point, g, p)) {
+                conflict.clash.mine = WhyKept(IsUnconfirmed(*point), reply.unseen);
                 conflict.clash.name = point->GetNome();
-                conflict.group = book_.GetGrpAt(g)->GetNomeGrp();
+                conflict.group = GroupName(*book_.GetGrpAt(g));
                 conflict.groupId = book_.GetGrpAt(g)->GetCloudId();
                 conflict.keptPoints = 1;
                 conflict.record = KeepPoint(book_, g, p);
@@ -543,14 +566,33 @@ void BookCloud::ApplyDeletion(const CloudReply& reply, const std::string& author
 
 // --- conflicts -------------------------------------------------------------------------------------------
 
-void BookCloud::AddConflict(CloudConflict conflict) {
-    AddTo(state_.conflicts, state_.lastConflict, std::move(conflict));
+void BookCloud::AddConflict(CloudConflict conflict) { conflicts_.Add(std::move(conflict)); }
+
+const CloudConflict* BookCloud::FindConflict(int number) const { return conflicts_.Find(number); }
+
+std::optional<std::string> BookCloud::ValueHere(const CloudConflict& conflict) {
+    const CloudClash& clash = conflict.clash;
+    CCloudItem* const item = FindItem(tables_, clash.kind, clash.id);
+    if (conflict.kind != CloudConflict::Kind::field || !item) return std::nullopt;
+    vex::String here;
+    FieldsOf(clash.kind, *item, clash.bit, here);
+    return std::string(here.View());
 }
 
-const CloudConflict* BookCloud::FindConflict(int number) const {
-    const auto found = std::find_if(state_.conflicts.begin(), state_.conflicts.end(),
-                                    [&](const CloudConflict& one) { return one.number == number; });
-    return found == state_.conflicts.end() ? nullptr : &*found;
+// What the conflict is about has been decided elsewhere when the reply brings another value into the book,
+// or the one that waits here.
+std::set<int> BookCloud::Overtaken(const CloudReply& reply, std::int64_t id, CCloudItem& item) {
+    std::set<int> overtaken;
+    for (const int number : conflicts_.About(reply.kind, id)) {
+        const CloudConflict& conflict = *conflicts_.Find(number);
+        const FieldGroup* const fields = FieldGroupOf(reply.kind, conflict.clash.bit);
+        if (conflict.kind != CloudConflict::Kind::field || !fields) continue;
+        if (fields->first + fields->count > static_cast<int>(reply.fields.size())) continue;
+        const bool waits = (item.GetCloudFlag() & fields->bit) != 0;
+        const bool same = ValueHere(conflict) == Joined(reply.fields, *fields);
+        if (waits == same) overtaken.insert(number);
+    }
+    return overtaken;
 }
 
 std::vector<int> BookCloud::FindConflictsOfPositions(
@@ -568,13 +610,32 @@ std::vector<int> BookCloud::FindConflictsOfPositions(
     return numbers;
 }
 
-bool BookCloud::DropConflict(int number) {
-    if (!FindConflict(number)) return false;
+void BookCloud::DropEqual() {
+    std::set<int> equal;
+    for (const CloudConflict& conflict : state_.conflicts)
+        if (ValueHere(conflict) == conflict.clash.theirs) equal.insert(conflict.number);
+    conflicts_.Drop(equal);
+}
+
+bool BookCloud::DropConflict(int number, std::int64_t ticket) {
+    const CloudConflict* const conflict = FindConflict(number);
+    if (!conflict) return false;
+    const std::int64_t id = conflict->clash.id;
+    std::set<int> dropped{number};
     Edit edit(edits_);
-    edits_.NoteCloud(kConflictDropped, [&](ofpstream& out) { out.WriteInt(number); });
+    edits_.NoteCloud(kConflictDropped, [&](ofpstream& out) {
+        out.WriteInt(number);
+        if (ticket > 0) out.WriteInt64(ticket);
+    });
     edit.Done();
-    std::erase_if(state_.conflicts, [&](const CloudConflict& one) { return one.number == number; });
+    Dropped(dropped, id, ticket);
     return true;
+}
+
+void BookCloud::Dropped(std::set<int>& number, std::int64_t group, std::int64_t ticket) {
+    if (ticket > 0) conflicts_.GroupAddedAgain(group, ticket);
+    conflicts_.Drop(number);
+    if (settling_ == 0) conflicts_.Sweep();
 }
 
 // --- file and journal ------------------------------------------------------------------------------------
@@ -588,6 +649,11 @@ void BookCloud::SalvaInFile(ofpstream& out) const {
 
 void BookCloud::LeggeDaFile(ifpstream& in) {
     ReadCloudState(in, state_);
+    // So are they written; a damaged file may hold anything.
+    std::ranges::stable_sort(state_.conflicts, {}, &CloudConflict::number);
+    if (!state_.conflicts.empty())
+        state_.lastConflict = std::max(state_.lastConflict, state_.conflicts.back().number);
+    conflicts_.Forget();
     tables_.base.LeggeStato(in);
     tables_.points.LeggeStato(in);
     if (in.GetRemaining() > 0) derived_.LeggeDaFile(in);
@@ -635,7 +701,11 @@ std::string BookCloud::Replay(int code, ifpstream& in) {
             return "";
         default: {
             const int number = in.ReadInt();  // kConflictDropped
-            std::erase_if(state_.conflicts, [&](const CloudConflict& one) { return one.number == number; });
+            const std::int64_t ticket = in.GetRemaining() > 0 ? in.ReadInt64() : 0;
+            const CloudConflict* const conflict = FindConflict(number);
+            if (!conflict) return "";
+            std::set<int> dropped{number};
+            Dropped(dropped, conflict->clash.id, ticket);
             return "";
         }
     }

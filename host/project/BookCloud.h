@@ -2,11 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "host/project/CloudState.h"
 #include "host/project/CloudTables.h"
+#include "host/project/ConflictList.h"
 #include "host/project/DerivedPositions.h"
 
 class CDrawingsMapper;
@@ -70,19 +73,39 @@ public:
     };
 
     /// Takes a page of what others changed. A field that waits to be sent keeps its value and becomes a
-    /// conflict; what is deleted and holds something unconfirmed is kept as a conflict first. A fix or a
-    /// conversion that comes without the positions that belong to it has these computed (DerivedPositions),
-    /// which settles what conflicts there are about them.
+    /// conflict; what is deleted and holds something unconfirmed, or was deleted by somebody who had not
+    /// seen all that was sent from here, is kept as a conflict first. A conflict is over when others bring
+    /// another value of its field, or both values have become the same. A fix or a conversion that comes
+    /// without the positions that belong to it has these computed (DerivedPositions), which settles what
+    /// conflicts there are about them.
     /// Requires: no commit is under way. Errors: ProjectError (damaged) for a page with a reply that cannot
     /// be applied; those before it are, and the revision stays.
     Taken TakePage(const PullPage& page);
 
-    /// A conflict is settled. False: there is none of that number.
-    bool DropConflict(int number);
+    /// A conflict is settled. False: there is none of that number. Of a kept group that was added again,
+    /// `ticket` is the new one's: kept points of it find it by that.
+    bool DropConflict(int number, std::int64_t ticket = 0);
     const CloudConflict* FindConflict(int number) const;
 
     /// Numbers of those about the positions of these items.
     std::vector<int> FindConflictsOfPositions(const std::vector<DerivedPositions::Place>& places) const;
+    /// What stands in the book in the fields of a conflict, as a record has it. None: it is about no field,
+    /// or the item is not in the book.
+    std::optional<std::string> ValueHere(const CloudConflict& conflict);
+
+    /// While it lives, conflicts that are settled still stand in GetState(): many leave it at once.
+    class Settling {
+    public:
+        explicit Settling(BookCloud& cloud) : cloud_(cloud) { ++cloud_.settling_; }
+        ~Settling() {
+            if (--cloud_.settling_ == 0) cloud_.conflicts_.Sweep();
+        }
+        Settling(const Settling&) = delete;
+        Settling& operator=(const Settling&) = delete;
+
+    private:
+        BookCloud& cloud_;
+    };
 
     // --- for Project ---------------------------------------------------------------------------------
 
@@ -117,6 +140,9 @@ private:
     void NoteComputed(const Taken& taken);
     bool HasUnconfirmed(int g) const;
     void AddConflict(CloudConflict conflict);
+    std::set<int> Overtaken(const CloudReply& reply, std::int64_t id, CCloudItem& item);
+    void DropEqual();
+    void Dropped(std::set<int>& number, std::int64_t group, std::int64_t ticket);
     CCloudTable& TableOf(CloudKind kind);
     void FieldsOf(CloudKind kind, CCloudItem& item, std::uint32_t bit, vex::String& text);
 
@@ -125,6 +151,8 @@ private:
     BookEdits& edits_;
     CloudState state_;
     DerivedPositions derived_{book_};  // in a pull, also one that broke off
+    ConflictList conflicts_{state_.conflicts, state_.lastConflict};
+    int settling_ = 0;
 };
 
 }  // namespace gpsproject

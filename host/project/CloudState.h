@@ -23,7 +23,11 @@ struct CloudLink {
 };
 
 /// Two wanted different things, or somebody deleted what was not finished here. It stays until a person
-/// decides.
+/// decides, or others go on: then what it tells is not what there is any more.
+///
+/// Where it is about no field the values of `clash` tell more: `theirs` of deletedHere what the other one had
+/// done, "added", names of fields, or both; `mine` of kept is "unseen" when the other one had not seen all that
+/// was sent from here, and "unseen, unsent" when something was not sent as well.
 struct CloudConflict {
     enum class Kind : std::uint8_t {
         field,        // both set it; here stands `mine`
@@ -35,7 +39,7 @@ struct CloudConflict {
     Kind kind = Kind::field;
     CloudClash clash;             // `device` and `author`: of the other one
     std::string group;            // of a point: name of its group
-    std::int64_t groupId = 0;     // and its id
+    std::int64_t groupId = 0;     // and its id; of one that was added again and has none yet: -ticket
     std::string record;           // kept: see KeptItem.h
     std::int32_t keptPoints = 0;  // kept: points in it
 

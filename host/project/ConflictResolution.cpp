@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "gps/cloud/FieldLayout.h"
+#include "host/project/CloudItems.h"
 #include "host/project/KeptItem.h"
 
 namespace gpsproject {
@@ -22,30 +22,15 @@ CloudConflict Find(Project& project, int number) {
                                            std::to_string(number) + "; see which there are with the status");
 }
 
-std::vector<vex::String> Split(const std::string& fields) {
-    std::vector<vex::String> texts;
-    for (std::size_t at = 0;;) {
-        const std::size_t end = fields.find(';', at);
-        texts.emplace_back(std::string_view(fields).substr(at, end == std::string::npos ? end : end - at));
-        if (end == std::string::npos) return texts;
-        at = end + 1;
+/// By its id, or, of a group that was added again and has none yet, by its ticket, which is negative then.
+int PlaceOfGroup(Project& project, std::int64_t id) {
+    const CLibGps& book = project.GetBook();
+    if (id > 0) {
+        CCloudItem* const group = FindItem(project.GetCloud().GetTables(), CloudKind::group, id);
+        return PlaceOf(book, CloudKind::group, group).value_or(ItemPlace()).g;
     }
-}
-
-int CountOf(CloudKind kind, std::uint32_t bit) {
-    if (kind == CloudKind::group) {
-        for (const FieldGroup& fields : GRP_FIELDS)
-            if (fields.bit == bit) return fields.count;
-    } else {
-        for (const FieldGroup& fields : PUN_FIELDS)
-            if (fields.bit == bit) return fields.count;
-    }
-    return 0;
-}
-
-int PlaceOfGroup(CLibGps& book, std::int64_t id) {
-    for (int g = 0; g < book.GetGrpArSize(); ++g)
-        if (book.GetGrpAt(g)->GetCloudId() == id) return g;
+    for (int g = 0; g < book.GetGrpArSize() && id < 0; ++g)
+        if (book.GetGrpAt(g)->GetCloudId() < 1 && book.GetGrpAt(g)->GetTicket() == -id) return g;
     return -1;
 }
 
@@ -61,20 +46,18 @@ void TakeTheirs(Project& project, int number) {
     if (conflict.kind != CloudConflict::Kind::field)
         Refuse(Kind::notHeld, project, number, "is not about a field; it has no other value to take");
     const CloudClash& clash = conflict.clash;
-    const std::vector<vex::String> texts = Split(clash.theirs);
-    if (static_cast<int>(texts.size()) != CountOf(clash.kind, clash.bit))
+    const auto parts = SplitFields(clash.theirs);
+    const std::vector<vex::String> texts(parts.begin(), parts.end());
+    const FieldGroup* const fields = FieldGroupOf(clash.kind, clash.bit);
+    if (!fields || static_cast<int>(texts.size()) != fields->count)
         Refuse(Kind::damaged, project, number,
                "does not hold the fields that it is about; settle it by hand");
     CloudTables& tables = project.GetCloud().GetTables();
     CLibGps& book = project.GetBook();
-    CCloudItem* item = nullptr;
     const bool group = clash.kind == CloudKind::group;
-    CCloudTable& table = group ? static_cast<CCloudTable&>(tables.base) : tables.points;
-    int g = -1, p = -1;
-    const bool here = table.FindItem(clash.id, item) && item &&
-                      (group ? book.GetIndiciDiGrp(static_cast<CGrpGps*>(item), g)
-                             : book.GetIndiciDiPun(static_cast<CPunGps*>(item), g, p));
-    if (!here) Refuse(Kind::notFound, project, number, "is about an item that is not in the book any more");
+    const auto place = PlaceOf(book, clash.kind, FindItem(tables, clash.kind, clash.id));
+    if (!place) Refuse(Kind::notFound, project, number, "is about an item that is not in the book any more");
+    const auto [g, p] = *place;
     BookEdits& edits = project.GetEdits();
     DerivedPositions derived(book);
     if (group ? (clash.bit & kBaseFix) : (clash.bit & kPointFix)) derived.LookAtPoint(g, p);
@@ -112,15 +95,17 @@ int AddAgain(Project& project, int number, int g) {
     BookEdits& edits = project.GetEdits();
     Edit edit(edits);
     bool whole = false;
+    std::int64_t ticket = 0;
     if (conflict.clash.kind == CloudKind::group) {
         whole = PutGroupBack(book, conflict.record, project.GetDrawings());
         if (whole) {
             g = book.GetGrpArSize() - 1;
+            ticket = book.GetGrpAt(g)->GetTicket();
             edits.GroupInserted(g);
             for (int p = 0; p < book.GetPunArSize(g); ++p) edits.PointInserted(g, p);
         }
     } else {
-        if (g < 0) g = PlaceOfGroup(book, conflict.groupId);
+        if (g < 0) g = PlaceOfGroup(project, conflict.groupId);
         if (!book.GetGrpAt(g))
             Refuse(Kind::notFound, project, number,
                    "is about a point of the group '" + conflict.group +
@@ -129,7 +114,7 @@ int AddAgain(Project& project, int number, int g) {
         if (whole) edits.PointInserted(g, book.GetPunArSize(g) - 1);
     }
     if (!whole) Refuse(Kind::damaged, project, number, "holds a damaged record; nothing was added");
-    project.GetCloud().DropConflict(number);
+    project.GetCloud().DropConflict(number, ticket);
     edit.Done();
     return g;
 }

@@ -7,8 +7,9 @@
 
 namespace gpsproject {
 
-// Each is one edit of the book, and settles the conflict. Errors: ProjectError: notFound (no such conflict,
-// or what it is about is not in the book any more), notHeld (a conflict of another kind).
+// Each is one edit of the book, and settles the conflict; of many see BookCloud::Settling. Errors:
+// ProjectError: notFound (no such conflict, or what it is about is not in the book any more), notHeld (a
+// conflict of another kind).
 
 /// What stands in the book stays; of a kept item: it stays deleted, and what was kept of it goes.
 void KeepAsItIs(Project& project, int number);
@@ -18,7 +19,7 @@ void KeepAsItIs(Project& project, int number);
 void TakeTheirs(Project& project, int number);
 
 /// A kept group, or point, comes into the book again, as a new one. A point goes into group `g`; -1: into the
-/// one where it was. Returns the group's position.
+/// one where it was, also when that was added again meanwhile. Returns the group's position.
 int AddAgain(Project& project, int number, int g);
 
 }  // namespace gpsproject

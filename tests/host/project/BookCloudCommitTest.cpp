@@ -406,7 +406,7 @@ TEST_F(NewShared, RefusedGroupWithoutGroupNameIsListedByThatOfItsEntity) {
     EXPECT_EQ(cloud_.GetState().refusals[0].name, "entity of B");
 }
 
-TEST_F(SettledShared, RefusedChangesKeepTheirBitsAndAreListedById) {
+TEST_F(SettledShared, RefusedChangesKeepTheirBitsAndAreListedByNameAndId) {
     book_.GetGrpAt(0)->SetNomeGrp("A*");
     test::RenamePoint(*project_, 0, 0, "A1*");
     CPunGps& accepted = *book_.GetPunAt(1, 0);
@@ -420,8 +420,8 @@ TEST_F(SettledShared, RefusedChangesKeepTheirBitsAndAreListedById) {
     EXPECT_EQ(book_.GetGrpAt(0)->GetCloudFlag(), CHG_GRP_NOMEGRP);
     EXPECT_EQ(book_.GetPunAt(0, 0)->GetCloudFlag(), CHG_NOME);
     EXPECT_EQ(accepted.GetCloudFlag(), 0U);
-    const std::vector<gpsproject::CloudRefusal> expected{{CloudKind::group, 1, "", "no"},
-                                                         {CloudKind::point, 3, "", "gone"},
+    const std::vector<gpsproject::CloudRefusal> expected{{CloudKind::group, 1, "A*", "no"},
+                                                         {CloudKind::point, 3, "A*/A1*", "gone"},
                                                          {CloudKind::point, 4, "", "unknown"}};
     EXPECT_EQ(cloud_.GetState().refusals, expected);
 }

@@ -163,6 +163,79 @@ TEST_F(Pull, SameFieldAgainReplacesItsConflict) {
     EXPECT_EQ(Conflicts()[0].clash.theirs, "second");
 }
 
+// --- conflicts that are over
+// ---------------------------------------------------------------------------------
+
+/// The answer to a commit has told that another one had set name and code of point 3.
+class Disputed : public Pull {
+protected:
+    Disputed() {
+        cloud_.TakePage(PageOf(2, {PointReply(3, 1, "A1")}));
+        test::RenamePoint(*project_, 0, 0, "wall");
+        EXPECT_TRUE(cloud_.BeginCommit(kCommit2));
+        auto answer = test::AcceptAll(*project_, 3, 100);
+        answer.clashes = {{CloudKind::point, 3, "wall", CHG_NOME, "wall", "fence", 2, "Bruno", 2},
+                          {CloudKind::point, 3, "wall", CHG_SECSCRI, "code", "other", 2, "Bruno", 2}};
+        EXPECT_TRUE(cloud_.TakeAnswer(answer, 1));
+    }
+
+    std::vector<int> Numbers() {
+        std::vector<int> numbers;
+        for (const auto& conflict : Conflicts()) numbers.push_back(conflict.number);
+        return numbers;
+    }
+
+    using List = std::vector<int>;
+};
+
+TEST_F(Disputed, ConflictIsOverWhenAnotherValueComes) {
+    cloud_.TakePage(PageOf(4, {PointReply(3, 1, "gate")}));
+    EXPECT_EQ(book_.GetPunAt(0, 0)->GetNome(), "gate");
+    EXPECT_EQ(Numbers(), List{2}) << "that of the code stays";
+    EXPECT_EQ(cloud_.FindConflict(1), nullptr);
+    project_->GetEdits().Commit();
+    EXPECT_EQ(EverythingOf(*disk_.Open(Mode::read)), EverythingOf(*project_));
+}
+
+TEST_F(Disputed, ConflictStaysWhenAnotherFieldComes) {
+    CloudReply reply = PointReply(3, 1, "wall");
+    reply.fields[12] = "1";  // quality
+    cloud_.TakePage(PageOf(4, {reply}));
+    EXPECT_EQ(book_.GetPunAt(0, 0)->GetQua(), 1);
+    EXPECT_EQ(Numbers(), (List{1, 2}));
+}
+
+TEST_F(Disputed, ConflictsOfOtherItemsStay) {
+    cloud_.TakePage(PageOf(4, {PointReply(4, 1, "gate"), GroupReply(1, "gate")}));
+    EXPECT_EQ(Numbers(), (List{1, 2}));
+}
+
+TEST_F(Disputed, ConflictIsOverWhenTheValueThatWaitsComesFromThereToo) {
+    test::RenamePoint(*project_, 0, 0, "gate");
+    cloud_.TakePage(PageOf(4, {PointReply(3, 1, "gate")}));
+    EXPECT_EQ(Numbers(), List{2});
+}
+
+TEST_F(Disputed, ConflictIsOverWhenBothValuesHaveBecomeEqual) {
+    test::RenamePoint(*project_, 0, 0, "fence");
+    PullPage page = PageOf(4, {PointReply(5, 2, "B1")});
+    page.last = false;
+    cloud_.TakePage(page);
+    EXPECT_EQ(Numbers(), (List{1, 2})) << "more is to come";
+    page.last = true;
+    cloud_.TakePage(page);
+    EXPECT_EQ(Numbers(), List{2});
+    project_->GetEdits().Commit();
+    EXPECT_EQ(EverythingOf(*disk_.Open(Mode::read)), EverythingOf(*project_));
+}
+
+TEST_F(Disputed, ValueHereIsWhatStandsInTheBook) {
+    test::RenamePoint(*project_, 0, 0, "gate");
+    EXPECT_EQ(cloud_.ValueHere(Conflicts()[0]), "gate");
+    test::DeletePoint(*project_, 0, 0);
+    EXPECT_EQ(cloud_.ValueHere(Conflicts()[0]), std::nullopt);
+}
+
 // --- what comes back ---------------------------------------------------------------------------------------
 
 // A record holds covariances up to 1 square metre, which is field 23 of a reply, and types of 0 or 1.
@@ -405,6 +478,45 @@ TEST_F(Pull, DeletedGroupIsKeptForATextThatIsNowhereElse) {
     EXPECT_EQ(book_.GetGrpAt(2)->GetOper(), "Verdi");
 }
 
+/// By somebody who had not seen what was sent from here.
+CloudReply UnseenDeletionOf(CloudKind kind, std::int64_t id) {
+    CloudReply reply = DeletionOf(kind, id);
+    reply.unseen = true;
+    return reply;
+}
+
+TEST_F(Pull, PointDeletedBySomebodyWhoHadNotSeenItIsKept) {
+    test::RenamePoint(*project_, 0, 1, "mine");
+    const auto taken =
+        cloud_.TakePage(PageOf(2, {UnseenDeletionOf(CloudKind::point, 3),
+                                   UnseenDeletionOf(CloudKind::point, 4), DeletionOf(CloudKind::point, 5)}));
+    EXPECT_EQ(taken.deleted, 3);
+    EXPECT_EQ(taken.conflicts, 2);
+    EXPECT_EQ(NamesIn(*project_), "A() B()");
+    ASSERT_EQ(Conflicts().size(), 2U);
+    EXPECT_EQ(Conflicts()[0].kind, Kind::kept);
+    EXPECT_EQ(Conflicts()[0].clash.name, "A1");
+    EXPECT_EQ(Conflicts()[0].clash.mine, "unseen");
+    EXPECT_EQ(Conflicts()[1].clash.mine, "unseen, unsent");
+    ASSERT_TRUE(gpsproject::PutPointBack(book_, 1, Conflicts()[0].record));
+    EXPECT_EQ(NamesIn(*project_), "A() B(A1)");
+}
+
+TEST_F(Pull, GroupDeletedBySomebodyWhoHadNotSeenItIsKeptWithItsPoints) {
+    book_.GetGrpAt(1)->SetNomeGrp("");
+    book_.GetGrpAt(1)->SetNome("entity of B");
+    const auto taken = cloud_.TakePage(
+        PageOf(2, {UnseenDeletionOf(CloudKind::group, 1), UnseenDeletionOf(CloudKind::group, 2)}));
+    EXPECT_EQ(taken.conflicts, 2);
+    ASSERT_EQ(Conflicts().size(), 2U);
+    EXPECT_EQ(Conflicts()[0].clash.name, "A");
+    EXPECT_EQ(Conflicts()[0].clash.mine, "unseen");
+    EXPECT_EQ(Conflicts()[0].keptPoints, 2);
+    EXPECT_EQ(Conflicts()[1].clash.name, "entity of B");
+    EXPECT_EQ(Conflicts()[1].group, "entity of B");
+    EXPECT_EQ(Conflicts()[1].clash.mine, "unseen, unsent");
+}
+
 TEST_F(Pull, PlaceForPhotosThatHoldsNoneKeepsNothing) {
     book_.GetPunAt(0, 0)->SetNomiFoto_Raw("******");
     EXPECT_EQ(cloud_.TakePage(PageOf(2, {DeletionOf(CloudKind::point, 3)})).conflicts, 0);
@@ -457,6 +569,8 @@ TEST_F(Pull, ReplyDoesNotBringBackWhatWasDeletedHereAndIsTold) {
     EXPECT_EQ(Conflicts()[1].kind, Kind::deletedHere);
     const gpsproject::CloudClash expected{CloudKind::point, 3, "A1", 0, "", "", 2, "Bruno", 2};
     EXPECT_EQ(Conflicts()[1].clash, expected);
+    EXPECT_EQ(Conflicts()[1].group, "A");
+    EXPECT_EQ(Conflicts()[1].groupId, 1);
     EXPECT_EQ(cloud_.GetTables().base.GetDeleted(), std::set<long long>{2});
 }
 
@@ -468,6 +582,8 @@ TEST_F(Pull, NewPointOfAGroupThatWasDeletedHereIsOnlyTold) {
     ASSERT_EQ(Conflicts().size(), 1U);
     EXPECT_EQ(Conflicts()[0].kind, Kind::deletedHere);
     EXPECT_EQ(Conflicts()[0].clash.name, "late");
+    EXPECT_EQ(Conflicts()[0].clash.theirs, "added");
+    EXPECT_EQ(Conflicts()[0].groupId, 2);
     EXPECT_EQ(cloud_.GetState().revision, 2);
 }
 

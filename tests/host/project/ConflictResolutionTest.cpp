@@ -268,6 +268,80 @@ TEST_F(Resolution, KeptPointWhoseGroupIsGoneWantsAnother) {
     EXPECT_EQ(NamesIn(*project_), "B(B1 x)");
 }
 
+/// Point "x" was kept, and then its group with the point "y".
+class KeptApart : public Resolution {
+protected:
+    KeptApart() {
+        test::RenamePoint(*project_, 0, 0, "x");
+        test::RenamePoint(*project_, 0, 1, "y");
+        project_->GetCloud().TakePage(PageOf(3, {DeletionOf(CloudKind::point, 3)}));
+        project_->GetCloud().TakePage(PageOf(4, {DeletionOf(CloudKind::group, 1)}));
+    }
+
+    std::int64_t GroupOfKept() { return project_->GetCloud().FindConflict(1)->groupId; }
+};
+
+TEST_F(KeptApart, PointFindsItsGroupThatWasAddedAgainBefore) {
+    EXPECT_EQ(AddAgain(*project_, 2, -1), 1);
+    ExpectSameAfterCrash();
+    EXPECT_EQ(AddAgain(*project_, 1, -1), 1);
+    EXPECT_EQ(NamesIn(*project_), "B(B1) A(y x)");
+    ExpectSameAfterCrash();
+}
+
+TEST_F(KeptApart, PointFindsItsGroupThatWasAddedAgainInAnotherRun) {
+    AddAgain(*project_, 2, -1);
+    project_->Save();
+    project_.reset();
+    const auto opened = disk_.Open(Mode::write);
+    EXPECT_EQ(AddAgain(*opened, 1, -1), 1);
+    EXPECT_EQ(NamesIn(*opened), "B(B1) A(y x)");
+}
+
+TEST_F(KeptApart, PointFindsItsGroupThatHasBeenSentMeanwhile) {
+    AddAgain(*project_, 2, -1);
+    ASSERT_TRUE(project_->GetCloud().BeginCommit(kC));
+    ASSERT_TRUE(project_->GetCloud().TakeAnswer(AcceptAll(*project_, 5, 21), 1));
+    EXPECT_EQ(GroupOfKept(), 21);
+    ExpectSameAfterCrash();
+    EXPECT_EQ(AddAgain(*project_, 1, -1), 1);
+    EXPECT_EQ(NamesIn(*project_), "B(B1) A(y x)");
+}
+
+TEST_F(KeptApart, PointWaitsForAGroupThatWasRefused) {
+    AddAgain(*project_, 2, -1);
+    ASSERT_TRUE(project_->GetCloud().BeginCommit(kC));
+    CommitAnswer answer = AcceptAll(*project_, 5, 21);
+    answer.ids = {0, 0};
+    answer.refused = {{1, "no"}, {2, "no"}};
+    ASSERT_TRUE(project_->GetCloud().TakeAnswer(answer, 1));
+    EXPECT_LT(GroupOfKept(), 0);
+    EXPECT_EQ(AddAgain(*project_, 1, -1), 1);
+}
+
+TEST_F(KeptApart, PointFindsNoGroupThatWasDeletedAgain) {
+    AddAgain(*project_, 2, -1);
+    test::DeleteGroup(*project_, 1);
+    EXPECT_EQ(KindOf([&] { AddAgain(*project_, 1, -1); }), ProjectError::Kind::notFound);
+}
+
+TEST_F(Resolution, ManySettledAtOnceLeaveTheListTogether) {
+    Clash(kC, FieldClash(CloudKind::point, 3, CHG_NOME, "theirs"));
+    Clash(kD, FieldClash(CloudKind::point, 3, CHG_SECSCRI, "theirs"));
+    Clash(std::string(32, 'e'), FieldClash(CloudKind::point, 4, CHG_NOME, "theirs"));
+    {
+        const gpsproject::BookCloud::Settling settling(project_->GetCloud());
+        KeepAsItIs(*project_, 1);
+        TakeTheirs(*project_, 3);
+        EXPECT_EQ(project_->GetCloud().GetState().conflicts.size(), 3U);
+        EXPECT_EQ(project_->GetCloud().FindConflict(1), nullptr);
+        EXPECT_EQ(KindOf([&] { KeepAsItIs(*project_, 1); }), ProjectError::Kind::notFound);
+    }
+    ASSERT_EQ(project_->GetCloud().GetState().conflicts.size(), 1U);
+    EXPECT_EQ(project_->GetCloud().GetState().conflicts[0].number, 2);
+    ExpectSameAfterCrash();
+}
+
 TEST_F(Resolution, AddAgainOfAnotherKindIsNotHeld) {
     Clash(kC, FieldClash(CloudKind::point, 3, CHG_NOME, "theirs"));
     Clash(kD, FieldClash(CloudKind::point, 5, 0, "name"));
