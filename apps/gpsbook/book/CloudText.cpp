@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <span>
 #include <string_view>
 
 #include "apps/gpsbook/book/Address.h"
@@ -12,6 +11,7 @@
 #include "apps/gpsbook/writers/Columns.h"
 #include "gps/model/CLibGps.h"
 #include "host/cloud/ItemFields.h"
+#include "host/project/CloudItems.h"
 
 namespace gpsbook {
 
@@ -21,24 +21,9 @@ using gpsproject::CloudConflict;
 using gpsproject::CloudKind;
 using gpsproject::CloudRefusal;
 using gpsproject::Project;
+using gpsproject::SplitFields;
 
 constexpr std::string_view kUnset = "NULLVAL";
-
-std::vector<std::string_view> Split(std::string_view fields) {
-    std::vector<std::string_view> texts;
-    for (;;) {
-        const std::size_t end = fields.find(';');
-        texts.push_back(fields.substr(0, end));
-        if (end == std::string_view::npos) return texts;
-        fields.remove_prefix(end + 1);
-    }
-}
-
-const FieldGroup* GroupOf(CloudKind kind, std::uint32_t bit) {
-    for (const FieldGroup& group : gpssync::FieldGroupsOf(kind))
-        if (group.bit == bit) return &group;
-    return nullptr;
-}
 
 std::string ValueText(const gpssync::Field& field, std::uint32_t bit, std::string_view value) {
     if (field.type == gpssync::FieldType::text) return fmt::format("\"{}\"", Printable(value));
@@ -64,20 +49,35 @@ std::string Who(const gpsproject::CloudClash& clash) {
     return fmt::format("{} in revision {}", Printable(clash.author), clash.revision);
 }
 
+/// Of a deleted item, what the other one had done to it.
+std::string DoneThere(const std::string& what) {
+    constexpr std::string_view added = "added";
+    if (what.empty()) return "changed there";
+    if (what == added) return "added there";
+    if (!what.starts_with("added, ")) return fmt::format("changed there ({})", Printable(what));
+    return fmt::format("added and changed there ({})", Printable(what.substr(added.size() + 2)));
+}
+
+const char* WhyKept(const std::string& why) {
+    if (why.empty()) return "with changes here that were not sent";
+    if (why == "unseen") return "who had not seen all that was sent from here";
+    return "who had not seen all that was sent from here, with changes here that were not sent";
+}
+
 }  // namespace
 
 const char* KindText(CloudKind kind) { return gpssync::NameOf(kind); }
 
 std::vector<std::string> FieldNames(CloudKind kind, std::uint32_t mask) {
     std::vector<std::string> names;
-    for (const FieldGroup& group : gpssync::FieldGroupsOf(kind))
+    for (const FieldGroup& group : gpsproject::FieldGroupsOf(kind))
         if ((mask & group.bit) != 0) names.emplace_back(group.name);
     return names;
 }
 
 TwoValues InWords(CloudKind kind, std::uint32_t bit, const TwoValues& values) {
-    const FieldGroup* const group = GroupOf(kind, bit);
-    const auto mine = Split(values.mine), theirs = Split(values.theirs);
+    const FieldGroup* const group = gpsproject::FieldGroupOf(kind, bit);
+    const auto mine = SplitFields(values.mine), theirs = SplitFields(values.theirs);
     const auto count = static_cast<std::size_t>(group ? group->count : 0);
     if (!group || mine.size() != count || theirs.size() != count)
         return {Printable(values.mine), Printable(values.theirs)};
@@ -99,18 +99,20 @@ TwoValues InWords(CloudKind kind, std::uint32_t bit, const TwoValues& values) {
     return words;
 }
 
+ConflictValues ValuesOf(Project& project, const CloudConflict& conflict) {
+    const auto& clash = conflict.clash;
+    const auto here = project.GetCloud().ValueHere(conflict);
+    return {here.has_value(), here == clash.theirs,
+            InWords(clash.kind, clash.bit, {here.value_or(clash.mine), clash.theirs})};
+}
+
 std::string ConflictItem(Project& project, const CloudConflict& conflict) {
-    CLibGps& book = project.GetBook();
-    auto& tables = project.GetCloud().GetTables();
+    const CLibGps& book = project.GetBook();
+    const auto& tables = project.GetCloud().GetTables();
     const bool group = conflict.clash.kind == CloudKind::group;
-    const CCloudTable& table = group ? static_cast<const CCloudTable&>(tables.base) : tables.points;
-    CCloudItem* item = nullptr;
-    Place place;
-    if (table.FindItem(conflict.clash.id, item) && item) {
-        const bool found = group ? book.GetIndiciDiGrp(static_cast<CGrpGps*>(item), place.group)
-                                 : book.GetIndiciDiPun(static_cast<CPunGps*>(item), place.group, place.point);
-        if (found) return PlaceText(book, place);
-    }
+    CCloudItem* const item = FindItem(tables, conflict.clash.kind, conflict.clash.id);
+    if (const auto place = PlaceOf(book, conflict.clash.kind, item))
+        return PlaceText(book, {place->g, place->p});
     return group || conflict.group.empty() ? conflict.clash.name : conflict.group + '/' + conflict.clash.name;
 }
 
@@ -121,17 +123,21 @@ std::string ConflictLine(Project& project, const CloudConflict& conflict) {
     switch (conflict.kind) {
         case CloudConflict::Kind::field: {
             const auto names = FieldNames(clash.kind, clash.bit);
-            const TwoValues words = InWords(clash.kind, clash.bit, {clash.mine, clash.theirs});
-            line += fmt::format(", {}: here {}, there {}, set by {}", names.empty() ? "?" : names.front(),
-                                words.mine, words.theirs, Who(clash));
+            const ConflictValues now = ValuesOf(project, conflict);
+            line += fmt::format(", {}: ", names.empty() ? "?" : names.front());
+            line += now.same    ? "by now the same here and there"
+                    : !now.here ? fmt::format("not in the book any more, there {}", now.words.theirs)
+                                : fmt::format("here {}, there {}", now.words.mine, now.words.theirs);
+            line += ", set by " + Who(clash);
             break;
         }
         case CloudConflict::Kind::deletedHere:
-            line += fmt::format(": deleted here, and changed there by {}; it is deleted", Who(clash));
+            line += fmt::format(": deleted here, and {} by {}; it is deleted", DoneThere(clash.theirs),
+                                Who(clash));
             break;
         case CloudConflict::Kind::kept:
             line += fmt::format(
-                ": deleted there by {}, with changes here that were not sent; it is kept{}", Who(clash),
+                ": deleted there by {}, {}; it is kept{}", Who(clash), WhyKept(clash.mine),
                 clash.kind == CloudKind::group ? ", with " + Counted(conflict.keptPoints, "point") : "");
             break;
     }
@@ -139,8 +145,10 @@ std::string ConflictLine(Project& project, const CloudConflict& conflict) {
 }
 
 std::string RefusedItem(const CloudRefusal& refusal) {
-    if (refusal.id > 0) return fmt::format("{} (id {})", KindText(refusal.kind), refusal.id);
-    return fmt::format("{} {}", KindText(refusal.kind), Printable(refusal.name));
+    std::string text = KindText(refusal.kind);
+    if (!refusal.name.empty() || refusal.id < 1) text += ' ' + Printable(refusal.name);
+    if (refusal.id > 0) text += fmt::format(" (id {})", refusal.id);
+    return text;
 }
 
 }  // namespace gpsbook

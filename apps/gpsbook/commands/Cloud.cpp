@@ -76,6 +76,14 @@ std::vector<int> AllThatFit(const ResolveArguments& a, Project& project) {
     return numbers;
 }
 
+/// Kept points go into groups that are added again with them.
+void GroupsFirst(Project& project, std::vector<int>& numbers) {
+    std::stable_partition(numbers.begin(), numbers.end(), [&](int number) {
+        const CloudConflict* const conflict = project.GetCloud().FindConflict(number);
+        return conflict && conflict->clash.kind == gpsproject::CloudKind::group;
+    });
+}
+
 void CheckArguments(const ResolveArguments& a) {
     const int decisions = (a.mine ? 1 : 0) + (a.theirs ? 1 : 0) + (a.addAgain ? 1 : 0);
     if (decisions != 1)
@@ -125,8 +133,12 @@ void Resolve(const ResolveArguments& a) {
     const auto project = OpenToWrite(a.book);
     if (a.all) numbers = AllThatFit(a, *project);
     const int group = a.group.empty() ? -1 : FindGroup(project->GetBook(), a.group);
+    if (a.addAgain) GroupsFirst(*project, numbers);
     std::vector<Settled> settled;
-    for (const int number : numbers) settled.push_back({number, ResolveOne(a, *project, number, group)});
+    {
+        const gpsproject::BookCloud::Settling settling(project->GetCloud());
+        for (const int number : numbers) settled.push_back({number, ResolveOne(a, *project, number, group)});
+    }
     if (!settled.empty()) SaveBook(*project);
 
     const std::size_t left = project->GetCloud().GetState().conflicts.size();

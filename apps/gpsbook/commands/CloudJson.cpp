@@ -1,6 +1,7 @@
 #include "apps/gpsbook/commands/CloudJson.h"
 
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 #include "apps/gpsbook/book/CloudText.h"
 
@@ -23,6 +24,17 @@ const char* KindWord(CloudConflict::Kind kind) {
             break;
     }
     return "kept";
+}
+
+/// What stands between ", " in a text.
+Json Listed(std::string_view text) {
+    Json list = Json::array();
+    while (!text.empty()) {
+        const std::size_t end = text.find(", ");
+        list.push_back(text.substr(0, end));
+        text = end == std::string_view::npos ? std::string_view() : text.substr(end + 2);
+    }
+    return list;
 }
 
 }  // namespace
@@ -57,14 +69,18 @@ Json ConflictJson(Project& project, const CloudConflict& conflict) {
               {"id", clash.id},
               {"name", ConflictItem(project, conflict)}};
     const auto names = FieldNames(clash.kind, clash.bit);
-    const TwoValues words = InWords(clash.kind, clash.bit, {clash.mine, clash.theirs});
+    const ConflictValues now = field ? ValuesOf(project, conflict) : ConflictValues{};
     json["field"] = field && !names.empty() ? Json(names.front()) : Json(nullptr);
-    json["mine"] = field ? Json(words.mine) : Json(nullptr);
-    json["theirs"] = field ? Json(words.theirs) : Json(nullptr);
+    json["mine"] = now.here ? Json(now.words.mine) : Json(nullptr);
+    json["theirs"] = field ? Json(now.words.theirs) : Json(nullptr);
     json["author"] = clash.author;
     json["device"] = clash.device;
     json["revision"] = clash.revision;
-    if (conflict.kind == CloudConflict::Kind::kept) json["points"] = conflict.keptPoints;
+    if (conflict.kind == CloudConflict::Kind::deletedHere) json["there"] = Listed(clash.theirs);
+    if (conflict.kind == CloudConflict::Kind::kept) {
+        json["points"] = conflict.keptPoints;
+        json["why"] = clash.mine.empty() ? Json::array({"unsent"}) : Listed(clash.mine);
+    }
     return json;
 }
 

@@ -13,6 +13,7 @@
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/TextTable.h"
 #include "gps/model/CLibGps.h"
+#include "host/project/CloudItems.h"
 #include "host/project/HeldBack.h"
 
 namespace gpsbook {
@@ -24,7 +25,7 @@ using gpsproject::CloudKind;
 using gpsproject::HeldItem;
 using gpsproject::Project;
 
-constexpr std::size_t kMostLines = 20;
+constexpr std::size_t kMostIds = 20;
 
 /// An item that waits to be sent.
 struct Waiting {
@@ -44,12 +45,8 @@ struct Status {
 template <class Items>
 void Find(CLibGps& book, CloudKind kind, const Items& items, std::vector<Waiting>& found) {
     for (CCloudItem* item : items) {
-        Waiting one{{}, kind, item->GetCloudId(), item->GetCloudFlag()};
-        const bool there =
-            kind == CloudKind::group
-                ? book.GetIndiciDiGrp(static_cast<CGrpGps*>(item), one.place.group)
-                : book.GetIndiciDiPun(static_cast<CPunGps*>(item), one.place.group, one.place.point);
-        if (there) found.push_back(one);
+        if (const auto place = gpsproject::PlaceOf(book, kind, item))
+            found.push_back({{place->g, place->p}, kind, item->GetCloudId(), item->GetCloudFlag()});
     }
     std::sort(found.begin(), found.end(),
               [](const Waiting& a, const Waiting& b) { return a.place < b.place; });
@@ -107,20 +104,6 @@ Json StatusJson(Project& project, const Status& status) {
     return json;
 }
 
-/// The first of many lines.
-template <class Items, class Line>
-std::string Lines(const Items& items, const Line& line) {
-    std::string text;
-    std::size_t told = 0;
-    for (const auto& item : items) {
-        if (told++ == kMostLines) break;
-        text += "    " + line(item) + '\n';
-    }
-    if (items.size() > kMostLines)
-        text += fmt::format("    ... and {} more; --json tells all\n", items.size() - kMostLines);
-    return text;
-}
-
 std::string Joined(const std::vector<std::string>& texts) {
     std::string all;
     for (const std::string& text : texts) all += (all.empty() ? "" : ", ") + text;
@@ -132,7 +115,7 @@ std::string Ids(const char* kind, const std::set<long long>& ids) {
     std::string text = fmt::format("    {}", Counted(static_cast<std::int64_t>(ids.size()), kind));
     std::size_t told = 0;
     for (const long long id : ids) {
-        if (told == kMostLines) return text + ", ...\n";
+        if (told == kMostIds) return text + ", ...\n";
         text += fmt::format("{}{}", told++ == 0 ? (ids.size() == 1 ? ": id " : ": ids ") : ", ", id);
     }
     return text + '\n';
@@ -155,9 +138,9 @@ std::string Text(Project& project, const Status& status) {
         return counts(what, CountOf(items, CloudKind::group), CountOf(items, CloudKind::point));
     };
     text += head("new", status.added);
-    text += Lines(status.added, [&](const Waiting& one) { return place(one.place); });
+    text += FirstLines(status.added, [&](const Waiting& one) { return place(one.place); });
     text += head("changed", status.changed);
-    text += Lines(status.changed, [&](const Waiting& one) {
+    text += FirstLines(status.changed, [&](const Waiting& one) {
         return place(one.place) + ": " + Joined(FieldNames(one.kind, one.mask));
     });
     const auto& groups = tables.base.GetDeleted();
@@ -167,19 +150,23 @@ std::string Text(Project& project, const Status& status) {
     text += Ids("group", groups) + Ids("point", points);
     if (!status.held.empty()) {
         text += "  held back, since no record can carry it:\n";
-        text += Lines(status.held, [&](const HeldItem& one) {
+        text += FirstLines(status.held, [&](const HeldItem& one) {
             return place({one.g, one.p}) + ": " + one.why;
         });
     }
     if (!state.refusals.empty()) {
         text += "  refused by the project:\n";
-        text += Lines(state.refusals, [&](const gpsproject::CloudRefusal& refusal) {
+        text += FirstLines(state.refusals, [&](const gpsproject::CloudRefusal& refusal) {
             return RefusedItem(refusal) + ": " + Printable(refusal.reason);
         });
     }
     if (!state.conflicts.empty()) {
         text += "  conflicts, which gpsbook cloud resolve settles:\n";
-        for (const auto& conflict : state.conflicts) text += "    " + ConflictLine(project, conflict);
+        text += FirstLines(state.conflicts, [&](const gpsproject::CloudConflict& conflict) {
+            std::string line = ConflictLine(project, conflict);
+            line.pop_back();
+            return line;
+        });
     }
     return text;
 }

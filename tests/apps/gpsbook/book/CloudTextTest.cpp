@@ -67,6 +67,7 @@ TEST(CloudText, ValuesAreInWords) {
 TEST(CloudText, RefusedItemsAreNamedByIdOrName) {
     EXPECT_EQ(RefusedItem({CloudKind::point, 7, "", "why"}), "point (id 7)");
     EXPECT_EQ(RefusedItem({CloudKind::group, 0, "Quay", "why"}), "group Quay");
+    EXPECT_EQ(RefusedItem({CloudKind::point, 7, "Quay/P1", "why"}), "point Quay/P1 (id 7)");
 }
 
 }  // namespace

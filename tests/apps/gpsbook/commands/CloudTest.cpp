@@ -123,7 +123,128 @@ TEST(CloudStatus, TellsWhatTheProjectRefused) {
     EXPECT_EQ(status["conflicts"][0]["what"], "kept");
     EXPECT_EQ(status["conflicts"][0]["points"], 1);
     const Outcome text = site.As("bert", {"cloud", "status", "bert.gpsbook"});
-    EXPECT_NE(text.out.find("  refused by the project:\n    point (id 5): "), std::string::npos) << text;
+    EXPECT_EQ(status["refused"][0]["name"], "Quay/P3");
+    EXPECT_NE(text.out.find("  refused by the project:\n    point Quay/P3 (id 5): "), std::string::npos)
+        << text;
+    EXPECT_EQ(status["conflicts"][0]["why"], json({"unsent"}));
+}
+
+TEST(CloudStatus, HereIsWhatStandsInTheBookNow) {
+    const Disputed site;
+    ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/P1", "code=GATE"}).exitCode, 0);
+    EXPECT_EQ(site.Status("bert")["conflicts"][0]["mine"], "\"GATE\"");
+    Outcome text = site.As("bert", {"cloud", "status", "bert.gpsbook"});
+    EXPECT_NE(text.out.find("code-text: here \"GATE\", there \"FENCE\", set by anna"), std::string::npos)
+        << text;
+    ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    text = site.As("bert", {"cloud", "status", "bert.gpsbook"});
+    EXPECT_NE(text.out.find("code-text: by now the same here and there, set by anna"), std::string::npos)
+        << text;
+    site.Sync("bert");
+    EXPECT_EQ(site.Status("bert")["conflicts"], json::array());
+}
+
+TEST(CloudStatus, ConflictOfAPointThatIsGoneTellsSo) {
+    const Disputed site;
+    ASSERT_EQ(site.As("bert", {"delete", "bert.gpsbook", "Quay/P1"}).exitCode, 0);
+    EXPECT_TRUE(site.Status("bert")["conflicts"][0]["mine"].is_null());
+    EXPECT_EQ(site.Status("bert")["conflicts"][0]["theirs"], "\"FENCE\"");
+    const Outcome text = site.As("bert", {"cloud", "status", "bert.gpsbook"});
+    EXPECT_NE(text.out.find("code-text: not in the book any more, there \"FENCE\""), std::string::npos)
+        << text;
+}
+
+TEST(CloudStatus, ConflictIsGoneWhenTheOtherOneHasGoneOn) {
+    const Disputed site;
+    site.Sync("anna");
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=GATE"}).exitCode, 0);
+    site.Sync("anna");
+    site.Sync("bert");
+    EXPECT_EQ(site.FieldOf("bert", "Quay/P1", "code"), "GATE");
+    EXPECT_EQ(site.Status("bert")["conflicts"], json::array());
+    const Outcome late = site.As("bert", {"cloud", "resolve", "bert.gpsbook", "1", "--theirs"});
+    EXPECT_EQ(late.exitCode, 5) << late;
+    EXPECT_EQ(site.FieldOf("bert", "Quay/P1", "code"), "GATE");
+}
+
+TEST(CloudStatus, TellsWhatTheOtherOneHadDoneToWhatWasDeletedHere) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=P5"}).exitCode, 0);
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Pier/A", "code=WALL", "quality=1"}).exitCode, 0);
+    ASSERT_EQ(site.As("bert", {"delete", "bert.gpsbook", "Quay", "Pier/A"}).exitCode, 0);
+    site.Sync("anna");
+    site.Sync("bert", 3);
+    const json conflicts = site.Status("bert")["conflicts"];
+    ASSERT_EQ(conflicts.size(), 2U);
+    const auto& point = conflicts[conflicts[0]["name"].get<std::string>().ends_with("P5") ? 0 : 1];
+    const auto& changed = conflicts[conflicts[0]["name"].get<std::string>().ends_with("P5") ? 1 : 0];
+    EXPECT_EQ(point["what"], "deleted-here");
+    EXPECT_EQ(point["there"], json({"added"}));
+    EXPECT_TRUE(point["mine"].is_null());
+    EXPECT_EQ(changed["there"], json({"code-text", "quality"}));
+    const Outcome text = site.As("bert", {"cloud", "status", "bert.gpsbook"});
+    EXPECT_NE(text.out.find(": deleted here, and added there by anna in revision 2; it is deleted\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.out.find(": deleted here, and changed there (code-text, quality) by anna in revision 2; "
+                            "it is deleted\n"),
+              std::string::npos)
+        << text;
+    const Outcome outcome = site.As("bert", {"cloud", "resolve", "bert.gpsbook", "--all", "--mine"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_EQ(site.Status("bert")["conflicts"], json::array());
+}
+
+TEST(CloudStatus, TellsWhatIsHeldBackAndWhy) {
+    const SharedSite site(
+        [](gpsproject::Project& project) { project.GetBook().GetPunAt(0, 1)->SetNome("P;2"); });
+    ASSERT_EQ(site.As("anna", FirstSync("site.gpsbook")).exitCode, 0);
+    const Outcome text = site.As("anna", {"cloud", "status", "site.gpsbook"});
+    EXPECT_NE(text.out.find("  held back, since no record can carry it:\n"
+                            "    Quay/P;2: the name holds a ';'\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST(CloudStatus, TellsOfACommitThatIsNotAnswered) {
+    SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    {
+        const auto project = gpsproject::Project::Open(site.Book(), gpsproject::Project::Mode::write);
+        ASSERT_TRUE(project->GetCloud().BeginCommit(std::string(32, 'c')));
+        project->Save();
+    }
+    const Outcome text = site.As("anna", {"cloud", "status", "site.gpsbook"});
+    EXPECT_NE(
+        text.out.find("  a commit was sent, or was to be, and is not answered: gpsbook sync repeats it\n"),
+        std::string::npos)
+        << text;
+    EXPECT_EQ(site.Status("anna")["commit"]["id"], std::string(32, 'c'));
+    EXPECT_EQ(site.Sync("anna")["repeated"], true);
+    EXPECT_TRUE(site.Status("anna")["commit"].is_null());
+}
+
+TEST(CloudStatus, OfManyTheFirstTwentyAreTold) {
+    const SharedSite site([](gpsproject::Project& project) {
+        CLibGps& book = project.GetBook();
+        for (int p = 5; p <= 25; ++p) book.AddPun(0, false)->SetNome("P" + std::to_string(p));
+    });
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/#0..", "code=FENCE"}).exitCode, 0);
+    ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/#0..", "code=WALL"}).exitCode, 0);
+    Outcome text = site.As("anna", {"cloud", "status", "site.gpsbook"});
+    EXPECT_NE(text.out.find("    Quay/P20: code-text\n    ... and 5 more; --json tells all\n"),
+              std::string::npos)
+        << text;
+    site.Sync("anna");
+    site.Sync("bert", 3);
+    text = site.As("bert", {"cloud", "status", "bert.gpsbook"});
+    EXPECT_TRUE(text.out.ends_with("\n    ... and 5 more; --json tells all\n")) << text;
+    EXPECT_NE(text.out.find("\n    20: point Quay/"), std::string::npos) << text;
+    EXPECT_EQ(text.out.find("\n    21: point Quay/"), std::string::npos) << text;
+    EXPECT_EQ(site.Status("bert")["conflicts"].size(), 25U);
 }
 
 TEST(CloudStatus, ChangesNothing) {
@@ -234,6 +355,61 @@ TEST(CloudResolve, PointIsKeptForItsNoteWhichIsNowhereElse) {
     EXPECT_EQ(site.Sync("bert")["sent"]["new"], 1);
     site.Sync("anna");
     site.ExpectSame();
+}
+
+/// Of bert, point P3 was kept, and then its group with the rest.
+class KeptApart : public Deleted {
+public:
+    KeptApart() {
+        EXPECT_EQ(As("bert", {"set", "bert.gpsbook", "Quay/P4", "notes=here"}).exitCode, 0);
+        EXPECT_EQ(As("anna", {"delete", "site.gpsbook", "Quay"}).exitCode, 0);
+        Sync("anna");
+        Sync("bert", 3);
+    }
+};
+
+TEST(CloudResolve, KeptPointsComeIntoTheirGroupThatComesWithThem) {
+    const KeptApart site;
+    const Outcome outcome = site.As("bert", {"cloud", "resolve", "bert.gpsbook", "--all", "--add-again"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_EQ(outcome.out,
+              "2: Quay was added again, as a new one\n1: Quay/P3 was added again, as a new one\n"
+              "bert.gpsbook: 2 conflicts settled, 0 left\n");
+    EXPECT_EQ(site.PointsOfBert("Quay"), "P1 P2 P4 P3");
+    site.Sync("bert");
+    site.Sync("anna");
+    site.ExpectSame();
+}
+
+TEST(CloudResolve, KeptPointComesIntoItsGroupThatCameBeforeIt) {
+    const KeptApart site;
+    ASSERT_EQ(site.As("bert", {"cloud", "resolve", "bert.gpsbook", "2", "--add-again"}).exitCode, 0);
+    site.Sync("bert");
+    const Outcome outcome = site.As("bert", {"cloud", "resolve", "bert.gpsbook", "1", "--add-again"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_EQ(site.PointsOfBert("Quay"), "P1 P2 P4 P3");
+}
+
+TEST(CloudResolve, KeptPointWithoutItsGroupIsNotFoundAndNothingIsSettled) {
+    const KeptApart site;
+    ASSERT_EQ(site.As("bert", {"cloud", "resolve", "bert.gpsbook", "2", "--mine"}).exitCode, 0);
+    const std::string bytes = site.Text("bert.gpsbook");
+    const Outcome outcome = site.As("bert", {"cloud", "resolve", "bert.gpsbook", "--all", "--add-again"});
+    EXPECT_EQ(outcome.exitCode, 5) << outcome;
+    EXPECT_NE(outcome.err.find("group 'Quay'"), std::string::npos) << outcome;
+    EXPECT_TRUE(site.Text("bert.gpsbook") == bytes);
+}
+
+TEST(CloudResolve, BookThatSomebodyWritesIsLocked) {
+    const Disputed site;
+    const std::string bytes = site.Text("bert.gpsbook");
+    const auto project =
+        gpsproject::Project::Open(site.Path("bert.gpsbook"), gpsproject::Project::Mode::write);
+    const Outcome outcome = site.As("bert", {"cloud", "resolve", "bert.gpsbook", "1", "--mine"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.err.find("bert.gpsbook"), std::string::npos) << outcome;
+    EXPECT_TRUE(site.Text("bert.gpsbook") == bytes);
+    EXPECT_EQ(site.As("bert", {"cloud", "status", "bert.gpsbook"}).exitCode, 0);
 }
 
 TEST(CloudResolve, KeptItemStaysAwayWithMine) {
