@@ -54,7 +54,7 @@ struct CommitAnswer {
     std::vector<std::int64_t> ids;       // of the added records, in their order; 0: refused
     std::vector<RefusedRecord> refused;  // in the order of records; the others are done
     std::vector<CloudClash> clashes;
-    std::string head;  // random, of this revision alone: what has it has all that was before; empty: none
+    std::string head{};  // random, of this revision alone: what has it has all that was before; empty: none
 
     bool operator==(const CommitAnswer&) const = default;
 };
