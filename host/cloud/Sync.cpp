@@ -147,6 +147,12 @@ SharedProject LinkBook(Project& project, Transport& transport, const std::string
                                  now.store + ", and '" + name + "' of " + store +
                                  " is another one; make a new book for it, and use import-book");
     } else if (!(cloud.GetState().link == link)) {
+        // Ends here when the project knows less than the book, or has gone on otherwise; what it answers is
+        // asked again by the sync.
+        PullRequest request = cloud.GetPullRequest();
+        request.revision = request.known;
+        request.own.clear();
+        transport.Pull(shared.key, {1, {}}, request);
         cloud.SetLink(link);
     }
     return shared;

@@ -36,7 +36,8 @@ SyncReport Sync(gpsproject::Project& project, Transport& transport, const Sender
                 const std::function<void(const char* what)>& progress = {});
 
 /// A project's own link to a project of a server, made there when there is none and `make` says so.
-/// Errors: TransportError; `refused` when the book belongs to another one.
+/// Errors: TransportError; `refused` when the book belongs to another one, `older` when a new place of its
+/// own one knows less than the book. The link stays then as it was.
 SharedProject LinkBook(gpsproject::Project& project, Transport& transport, const std::string& store,
                        const std::string& name, bool make);
 

@@ -47,7 +47,7 @@ public:
         senders.insert(sender.device);
         commits.push_back(commit);
         if (commitError) throw *commitError;
-        CommitAnswer answer{commit.id, ++revision, {}, {}, {}, {}};
+        CommitAnswer answer{commit.id, ++revision, {}, {}, {}};
         std::string_view records = commit.records;
         while (!records.empty()) {
             if (records.starts_with("I")) answer.ids.push_back(++lastId);
@@ -368,10 +368,26 @@ TEST(LinkBook, LinkedBookFollowsItsProjectToAnotherNameAndPlace) {
     Script script;
     script.shared.name = "renamed";
     LinkBook(*project, script, "/s/moved", "renamed", true);
-    EXPECT_EQ(script.calls, Calls{"open renamed"}) << "its project is never made anew";
+    EXPECT_EQ(script.calls, (Calls{"open renamed", "pull"})) << "its project is never made anew";
+    EXPECT_EQ(script.requests[0].known, 1);
+    EXPECT_EQ(script.requests[0].head, kCommit1);
+    EXPECT_EQ(Text(script.requests[0]), "1 but not, up to 0 from ''");
     EXPECT_EQ(project->GetCloud().GetState().link,
               (gpsproject::CloudLink{"/s/moved", "renamed", test::kLink.key}));
     EXPECT_EQ(test::IdOfPoint(*project, 1, 0), 5);
+}
+
+TEST(LinkBook, LinkToAStoreThatKnowsLessIsNotKept) {
+    test::SharedDisk disk;
+    const auto project = disk.Open(Mode::write);
+    test::Settle(*project);
+    const std::string before = EverythingOf(*project);
+    Script script;
+    script.pullError = TransportError(TransportError::Kind::older, "it was put back");
+    EXPECT_THROW(LinkBook(*project, script, "/s/old", "site", true), TransportError);
+    EXPECT_EQ(EverythingOf(*project), before);
+    LinkBook(*project, script, test::kLink.store, "site", true);
+    EXPECT_EQ(script.calls.back(), "open site") << "at its own place the sync tells";
 }
 
 TEST(LinkBook, LinkedBookDoesNotGoToAnotherProject) {
