@@ -238,7 +238,7 @@ std::string CommitTaker::ResolveParent(std::int64_t parent, std::int64_t& group)
         known->second = "its group " + std::to_string(group) + " is not in this project";
     else if (found.deleted != Mark())
         known->second = "its group " + std::to_string(group) + " was deleted " + WhoDeleted(found) +
-                        "; move it to another group to keep it";
+                        "; the book keeps both as a conflict, from which they can be added again as new";
     return known->second;
 }
 

@@ -21,6 +21,8 @@ public:
     SqliteStore(const SqliteStore&) = delete;
     SqliteStore& operator=(const SqliteStore&) = delete;
 
+    std::string GetName() const override { return path_; }
+
     void Begin(Access access) override;
     void Commit() override;
     void Rollback() noexcept override;

@@ -19,23 +19,26 @@ using Kind = TransportError::Kind;
 
 constexpr std::size_t kLongestName = 200;  // bytes
 
-// Throws when a text is no name that can be shown in a line.
-void CheckName(const char* what, std::string_view name, bool mayBeEmpty) {
+// Why a text is no name that can be shown in a line.
+std::string NameProblem(std::string_view name) {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
-    std::string wrong;
-    if (name.empty() && !mayBeEmpty) wrong = "is empty";
-    if (name.size() > kLongestName) wrong = "is longer than 200 bytes";
-    if (std::any_of(name.begin(), name.end(), isControl)) wrong = "has control characters in it";
-    if (!IsUtf8(name)) wrong = "is not UTF-8";
-    if (!wrong.empty())
-        throw TransportError(Kind::refused, std::string("the ") + what + " " + wrong + "; choose another");
+    if (name.size() > kLongestName) return "is longer than 200 bytes";
+    if (std::any_of(name.begin(), name.end(), isControl))
+        return "has a line break or control character in it";
+    if (!IsUtf8(name)) return "is not UTF-8";
+    return {};
+}
+
+void RequireName(const char* what, const std::string& problem) {
+    if (problem.empty()) return;
+    throw TransportError(Kind::refused, std::string("the ") + what + " " + problem + "; choose another");
 }
 
 void CheckSender(const Sender& sender) {
     if (sender.device < 1)
         throw TransportError(Kind::refused, "device " + std::to_string(sender.device) +
                                                 ": a device has a number of 1 or more");
-    CheckName("author's name", sender.author, true);
+    RequireName("author's name", NameProblem(sender.author));
 }
 
 // Eight bytes at a time by FNV-1a, 64 bits (G. Fowler, L. C. Noll, K.-P. Vo), and the length. It tells a
@@ -64,9 +67,10 @@ void CheckCommit(const CloudCommit& commit) {
         throw TransportError(Kind::refused, "the id of a commit is 32 hexadecimal digits in lower case");
 }
 
-[[noreturn]] void RefuseAsOlder(const StoredProject& project, const std::string& why) {
+[[noreturn]] void RefuseAsOlder(const std::string& where, const StoredProject& project,
+                                const std::string& why) {
     throw TransportError(Kind::older,
-                         "project " + project.name + " " + why +
+                         where + "project " + project.name + " " + why +
                              ". Put back the newer store; or make a new book, sync it, and bring along what "
                              "this one has with import-book --as-new: what both have is there twice then");
 }
@@ -82,26 +86,34 @@ std::int64_t NewestOf(const Request& request) {
 // A head is random and given once: where the newest revision that the book knows has the same, all before it
 // is the same too. The id of a commit would not do: one that was sent again may stand behind others there.
 template <class Request>
-void CheckKnown(SyncStore& store, const StoredProject& project, const Request& request) {
+void CheckKnown(SyncStore& store, const std::string& where, const StoredProject& project,
+                const Request& request) {
     if (request.revision < 0) throw TransportError(Kind::refused, "a revision is 0 or more");
     const std::int64_t newest = NewestOf(request);
     if (newest > project.revision)
-        RefuseAsOlder(project, "is at revision " + std::to_string(project.revision) +
-                                   ", but the book knows revision " + std::to_string(newest) +
-                                   ": the store was put back to an earlier state");
+        RefuseAsOlder(where, project,
+                      "is at revision " + std::to_string(project.revision) +
+                          ", but the book knows revision " + std::to_string(newest) +
+                          ": the store was put back to an earlier state");
     if (request.head.empty() || store.HeadOf(project.number, newest) == request.head) return;
-    RefuseAsOlder(project, "has another revision " + std::to_string(newest) +
-                               " than the one that the book knows: the store was put back to an earlier "
-                               "state, and has gone on since");
+    RefuseAsOlder(where, project,
+                  "has another revision " + std::to_string(newest) +
+                      " than the one that the book knows: the store was put back to an earlier "
+                      "state, and has gone on since");
 }
 
 }  // namespace
+
+std::string ProjectNameProblem(const std::string& name) {
+    const std::string problem = name.empty() ? "is empty" : NameProblem(name);
+    return problem.empty() ? problem : "the name " + problem;
+}
 
 SyncServer::SyncServer(std::unique_ptr<SyncStore> store, std::size_t pageSize)
     : store_(std::move(store)), pageSize_(pageSize) {}
 
 SharedProject SyncServer::OpenProject(const std::string& name, bool make) {
-    CheckName("project's name", name, false);
+    RequireName("project's name", name.empty() ? "is empty" : NameProblem(name));
     const std::scoped_lock lock(mutex_);
     SharedProject shared;
     const auto fill = [&](const StoredProject& project) {
@@ -117,7 +129,9 @@ SharedProject SyncServer::OpenProject(const std::string& name, bool make) {
     if (!shared.key.empty()) return shared;
     if (!make)
         throw TransportError(Kind::notFound,
-                             "there is no project " + name + "; look at its name, or make it");
+                             Where() + "there is no project " + name +
+                                 " in this store; look at its name, as those who share it have it, and at "
+                                 "that of the store");
     StoreTransaction transaction(*store_, SyncStore::Access::make);
     auto project = store_->FindProjectByName(name);  // another program may have made it meanwhile
     if (!project) {
@@ -148,7 +162,7 @@ CommitAnswer SyncServer::Commit(const std::string& projectKey, const Sender& sen
                                                     " that is kept cannot be read; check the store");
         return std::move(*answer);
     }
-    CheckKnown(*store_, project, commit);
+    CheckKnown(*store_, Where(), project, commit);
     CommitAnswer answer = CommitTaker(*store_, project, sender.device).Take(commit);
     if (answer.revision > 0) answer.head = RandomHex();
     store_->AddCommit(project.number,
@@ -163,8 +177,8 @@ PullPage SyncServer::Pull(const std::string& projectKey, const Sender& sender, c
     const std::scoped_lock lock(mutex_);
     StoreTransaction transaction(*store_, SyncStore::Access::read);
     const StoredProject project = Find(projectKey);
-    CheckKnown(*store_, project, request);
-    CheckKnown(*store_, project, PullRequest{request.upTo, {}, {}, 0, {}});
+    CheckKnown(*store_, Where(), project, request);
+    CheckKnown(*store_, Where(), project, PullRequest{request.upTo, {}, {}, 0, {}});
     PullPage page = PullReader(*store_, project, sender.device, request, pageSize_).Read();
     transaction.Commit();
     return page;
@@ -183,9 +197,15 @@ StoredProject SyncServer::Find(const std::string& projectKey) {
     const auto project = store_->FindProjectByKey(projectKey);
     if (!project)
         throw TransportError(Kind::notFound,
-                             "the project with the key " + projectKey +
-                                 " is not in this store any more; link the book to the right store");
+                             Where() + "the project of the book (key " + projectKey +
+                                 ") is not in this store; put back the store that has it, or give the place "
+                                 "to which it was moved");
     return *project;
+}
+
+std::string SyncServer::Where() const {
+    const std::string name = store_->GetName();
+    return name.empty() ? name : name + ": ";
 }
 
 }  // namespace gpssync

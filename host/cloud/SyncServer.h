@@ -10,6 +10,9 @@
 
 namespace gpssync {
 
+/// Why a text cannot be the name of a project; empty: it can.
+std::string ProjectNameProblem(const std::string& name);
+
 /// May be used by several threads. Nothing is kept between two calls but in the store.
 class SyncServer : public Transport {
 public:
@@ -30,6 +33,7 @@ public:
 
 private:
     StoredProject Find(const std::string& projectKey);
+    std::string Where() const;
 
     std::mutex mutex_;
     std::unique_ptr<SyncStore> store_;

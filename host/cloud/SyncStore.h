@@ -118,6 +118,9 @@ public:
 
     virtual ~SyncStore() = default;
 
+    /// What people call it; empty: it has no name.
+    virtual std::string GetName() const { return {}; }
+
     /// What is read inside a transaction does not change. One that writes is the only one. Where there is no
     /// store: TransportError (notFound).
     virtual void Begin(Access access) = 0;

@@ -233,9 +233,9 @@ TEST_P(ServerCommit, PointWithoutAGroupThatTakesItIsRefusedWithTheReason) {
     ASSERT_EQ(answer.refused.size(), 9u);
     EXPECT_EQ(answer.refused[0].reason, "it has no group");
     EXPECT_EQ(answer.refused[1].reason, "its group 77 is not in this project");
-    EXPECT_EQ(
-        answer.refused[2].reason,
-        "its group 2 was deleted by Bruno, device 2, in revision 2; move it to another group to keep it");
+    EXPECT_EQ(answer.refused[2].reason,
+              "its group 2 was deleted by Bruno, device 2, in revision 2; the book keeps both as a "
+              "conflict, from which they can be added again as new");
     EXPECT_EQ(answer.refused[3].reason, "its group 3 is not in this project");
     EXPECT_EQ(answer.refused[5].reason, "its group, the added record 5, was refused");
     EXPECT_EQ(answer.refused[6].reason, "its group is to be the added record 6, which is a point");

@@ -138,6 +138,20 @@ TEST_F(SqliteStoreTest, EverythingIsThereWhenItIsOpenedAgain) {
               (std::vector<std::int64_t>{3}));
 }
 
+TEST_F(SqliteStoreTest, WhatIsNotInTheStoreIsToldWithItsName) {
+    Make();
+    const auto server = Open();
+    const std::string key = server->OpenProject("site", false).key;
+    EXPECT_EQ(KindOfWrong([&] { server->OpenProject("dam", false); }), TransportError::Kind::notFound);
+    EXPECT_EQ(KindOfWrong([&] { server->Pull("0", {1, ""}, {}); }), TransportError::Kind::notFound);
+    gpssync::PullRequest request;
+    request.known = 2;
+    EXPECT_EQ(KindOfWrong([&] { server->Pull(key, {1, ""}, request); }), TransportError::Kind::older);
+    request.known = 1;
+    request.head = "another";
+    EXPECT_EQ(KindOfWrong([&] { server->Pull(key, {1, ""}, request); }), TransportError::Kind::older);
+}
+
 TEST_F(SqliteStoreTest, StoreThatWasPutBackAndHasGoneOnIsTold) {
     Make();
     const std::string copy = test::FileBytes(path_);
