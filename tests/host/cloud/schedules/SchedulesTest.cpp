@@ -110,6 +110,7 @@ TEST_P(Schedules, EndAlikeAndLoseNothing) {
     EXPECT_GT(SurveyDevice::counts.held, 0);
     EXPECT_GT(SurveyDevice::counts.diskFaults, 0);
     EXPECT_GT(SurveyDevice::counts.settled, 0);
+    EXPECT_GT(SurveyDevice::counts.computed, 0);
     for (const auto& [name, times] : {std::pair("kept", kept),
                                       {"refused", refused},
                                       {"clashes", clashes},

@@ -98,7 +98,10 @@ void SurveyDevice::Save() {
 
 void SurveyDevice::SyncUntil(int step, bool crash) {
     ++counts.syncs;
+    bool pulled = false;
     const auto next = [&](const char* what) {
+        if (std::string_view(what) == "pull") pulled = true;
+        if (std::string_view(what) == "send" && pulled) ++counts.computed;
         // What is sent is on the disk before, and all that was edited before it.
         Tell(what);
         NoteCommit();

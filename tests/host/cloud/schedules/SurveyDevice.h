@@ -130,7 +130,7 @@ public:
 
     struct Counts {
         long edits = 0, syncs = 0, failed = 0, interrupted = 0, crashes = 0, losses = 0, back = 0,
-             settled = 0, held = 0, diskFaults = 0;
+             settled = 0, held = 0, diskFaults = 0, computed = 0;
     };
     static Counts counts;
 
@@ -150,6 +150,8 @@ private:
     void Created(CPunGps& point, Tag group);
     void Changed(CGrpGps& group, std::uint32_t bits);
     void Changed(CPunGps& point, std::uint32_t bits);
+    void ComputePosition(Place place);
+    bool IsOfFix(Place place);
     void NoteCommit();
     void CheckPending(Tag tag, std::map<std::uint32_t, UserModel::Waiting>& values, Place place);
     bool IsKept(Tag tag, std::uint32_t bit, const std::string& value);

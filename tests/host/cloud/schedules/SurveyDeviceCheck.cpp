@@ -46,6 +46,8 @@ void SurveyDevice::Check() {
         std::uint32_t waiting = 0;
         if (const auto pending = model_.pending.find(tag); pending != model_.pending.end())
             for (const auto& [bit, value] : pending->second) waiting |= bit;
+        if ((item.GetCloudFlag() & ~waiting) == CHG_COORD && place.p >= 0 && IsOfFix(place))
+            return Changed(*book.GetPunAt(place.g, place.p), CHG_COORD);
         EXPECT_EQ(item.GetCloudFlag() & ~waiting, 0U)
             << Where() << ": item " << tag << " is to be sent, and has not been edited since it was";
     };
@@ -62,12 +64,27 @@ void SurveyDevice::Check() {
     }
 }
 
+// A position that was computed in a sync, in place of one that waited or came.
+bool SurveyDevice::IsOfFix(Place place) {
+    CPunGps& point = *GetBook().GetPunAt(place.g, place.p);
+    CPunGps computed(point);
+    computed.SetCloudNotify(false);
+    GetBook().CalcolaCoordCart(&computed, place.g);
+    return TextOf(computed, CHG_COORD) == TextOf(point, CHG_COORD);
+}
+
 void SurveyDevice::CheckPending(Tag tag, std::map<std::uint32_t, UserModel::Waiting>& values, Place place) {
     CLibGps& book = GetBook();
     const std::int64_t id = survey_.IdOf(tag);
     const CCloudItem* here = nullptr;
     if (place.g >= 0) here = CGrpGps::CloudItemOf(book.GetGrpAt(place.g));
     if (place.p >= 0) here = CPunGps::CloudItemOf(book.GetPunAt(place.g, place.p));
+    if (const auto position = values.find(CHG_COORD);
+        position != values.end() && here && place.p >= 0 && IsOfFix(place)) {
+        const std::string now = TextOf(*book.GetPunAt(place.g, place.p), CHG_COORD);
+        const bool isMarked = here->GetCloudId() < 1 || (here->GetCloudFlag() & CHG_COORD) != 0;
+        if (isMarked) position->second.text = now;
+    }
     std::erase_if(values, [&](const auto& waiting) {
         const std::uint32_t bit = waiting.first;
         const std::string& value = waiting.second.text;

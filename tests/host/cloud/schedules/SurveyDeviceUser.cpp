@@ -27,6 +27,11 @@ void SurveyDevice::Edit(Do edit) {
 
 void SurveyDevice::Created(CGrpGps& group) {
     FillAnew(group, random_);
+    if (OneIn(2)) {
+        group.GetConvCoord()->GetConvLocal()->SetTpProiezPlaEx(1, 0, 9 + 6 * Below(3), 500000, 0, 0.9996);
+        group.GetConvCoord()->SetImp(CConvCoord::impPronta, 1);
+        group.SetCodeElab(1);
+    }
     const Tag tag = tags_.Next();
     SetTag(group, tag);
     model_.created[tag] = 0;
@@ -61,6 +66,14 @@ void SurveyDevice::Changed(CPunGps& point, std::uint32_t bits) {
         if (point.GetCloudId() < 1 || (point.GetCloudFlag() & fields.bit))
             model_.pending[TagOf(point)][fields.bit] = {TextOf(point, fields.bit), edit};
     }
+}
+
+// What a program does for its user when a fix or a conversion is edited.
+void SurveyDevice::ComputePosition(Place place) {
+    CPunGps& point = *GetBook().GetPunAt(place.g, place.p);
+    if (!GetBook().GetGrpAt(place.g)->IsCdElabValid()) return;
+    GetBook().CalcolaCoordCart(&point, place.g);
+    Changed(point, CHG_COORD);
 }
 
 bool SurveyDevice::SomeGroup(int& g) {
@@ -100,6 +113,7 @@ Tag SurveyDevice::AddPoint(int g) {
     Edit([&] {
         const int p = Below(GetBook().GetPunArSize(g) + 1);
         Created(*GetBook().InsPunAt(g, p, false), TagOf(*GetBook().GetGrpAt(g)));
+        if (OneIn(2)) ComputePosition({g, p});
         project_->GetEdits().PointInserted(g, p);
     });
     return tags_.last;
@@ -113,10 +127,17 @@ void SurveyDevice::Change(Place place, std::uint32_t bit) {
             EditField(group, bit, random_);
             Changed(group, bit);
             project_->GetEdits().GroupChanged(place.g);
+            const bool compute = bit == CHG_GRP_CONVCOORD && OneIn(2);
+            for (int p = 0; compute && p < GetBook().GetPunArSize(place.g); ++p) {
+                ComputePosition({place.g, p});
+                project_->GetEdits().PointChanged(place.g, p);
+            }
         } else {
             CPunGps& point = *GetBook().GetPunAt(place.g, place.p);
             EditField(point, bit, random_);
             Changed(point, bit);
+            constexpr std::uint32_t fix = CHG_PUN_LAT | CHG_PUN_LONG | CHG_PUN_ELEV | CHG_PUN_ALTANT;
+            if (bit & (fix | CHG_COORD) && OneIn(2)) ComputePosition(place);
             project_->GetEdits().PointChanged(place.g, place.p);
         }
     });
