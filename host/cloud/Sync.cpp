@@ -84,6 +84,7 @@ bool Pull(Project& project, Transport& transport, const Sender& sender, SyncRepo
         report.taken.groups += taken.groups;
         report.taken.points += taken.points;
         report.taken.deleted += taken.deleted;
+        report.taken.items.insert(report.taken.items.end(), taken.items.begin(), taken.items.end());
         computed = computed || !taken.computed.empty();
         if (page.last) break;
         const PullRequest now = cloud.GetPullRequest();

@@ -122,6 +122,21 @@ std::vector<std::pair<CloudConflict*, const CGrpGps*>> GroupsAddedAgain(std::vec
     return pairs;
 }
 
+/// With the names that the item has in the book now.
+BookCloud::TakenItem TakenOf(const CLibGps& book, BookCloud::TakenItem::What what, const CloudReply& reply,
+                             CCloudItem& item, std::int64_t id, const std::string& author) {
+    BookCloud::TakenItem taken{what, reply.kind, id, {}, {}, 0, reply.device, author};
+    if (reply.kind == CloudKind::group) {
+        taken.name = GroupName(static_cast<CGrpGps&>(item));
+    } else {
+        CPunGps& point = static_cast<CPunGps&>(item);
+        int g = -1, p = -1;
+        taken.name = point.GetNome();
+        if (book.GetIndiciDiPun(&point, g, p)) taken.group = GroupName(*book.GetGrpAt(g));
+    }
+    return taken;
+}
+
 /// Texts that no record carries: they are nowhere but here.
 bool HasOwnTexts(const CEgn& entity) {
     const std::string& photos = entity.GetNomiFoto_Raw();
@@ -393,7 +408,8 @@ void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, st
     };
     if (item && item->GetCloudFlag() == 0 && IsAsHere(reply, *item)) return;
     std::set<int> overtaken = item ? Overtaken(reply, id, *item) : std::set<int>{};
-    if (item ? !TakeFields(reply, *item) : id < 1 || !table.UpdateSuccessful_Edit(reply.fields)) {
+    std::uint32_t bits = 0;
+    if (item ? !TakeFields(reply, *item, bits) : id < 1 || !table.UpdateSuccessful_Edit(reply.fields)) {
         // A new point of a group that was deleted here: the deletion is still to be sent, and takes the
         // point.
         if (id > 0 && reply.kind == CloudKind::point) {
@@ -405,6 +421,12 @@ void BookCloud::ApplyEdit(const CloudReply& reply, const std::string& author, st
     }
     if (known && !item) return tellDeletedHere();
     ++(reply.kind == CloudKind::group ? taken.groups : taken.points);
+    if (CCloudItem* now = nullptr; table.FindItem(id, now) && now) {
+        using What = TakenItem::What;
+        auto told = TakenOf(book_, item ? What::changed : What::added, reply, *now, id, author);
+        told.fields = bits;
+        if (!item || told.fields != 0) taken.items.push_back(std::move(told));
+    }
     if (!item) return;
     conflicts_.Drop(overtaken);
     // Local values that wait have stayed: what the other one set is worth telling where it differs.
@@ -440,10 +462,9 @@ bool BookCloud::IsAsHere(const CloudReply& reply, CCloudItem& item) {
 }
 
 // As UpdateSuccessful_Edit does it with an item that is here. But what this book would send itself is there
-// already, and more exactly: a reply holds covariances up to 1 and types of 0 or 1.
-bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item) {
+// already, and more exactly: a reply holds covariances up to 1 and types of 0 or 1. `bits`: what came in.
+bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item, std::uint32_t& bits) {
     if (IdIn(reply.fields[1].View()) < 1) return false;
-    std::uint32_t bits = 0;
     vex::String here;
     for (const FieldGroup& fields : FieldGroupsOf(reply.kind)) {
         if (item.GetCloudFlag() & fields.bit) continue;
@@ -561,7 +582,11 @@ void BookCloud::ApplyDeletion(const CloudReply& reply, const std::string& author
         // Points leave the host's sets before they go.
         if (reply.kind == CloudKind::group && g >= 0) book_.GetGrpAt(g)->AzzeraPunSet();
     }
-    if (table.UpdateSuccessful_Del(reply.fields)) ++taken.deleted;
+    std::vector<TakenItem> told;
+    if (item) told.push_back(TakenOf(book_, TakenItem::What::deleted, reply, *item, id, author));
+    if (!table.UpdateSuccessful_Del(reply.fields)) return;
+    ++taken.deleted;
+    taken.items.insert(taken.items.end(), told.begin(), told.end());
 }
 
 // --- conflicts -------------------------------------------------------------------------------------------

@@ -65,11 +65,24 @@ public:
     /// The same; `copy` may also know later revisions than the book.
     void PullAgainAfter(const CloudState& copy);
 
+    /// What came into the book, and from whom.
+    struct TakenItem {
+        enum class What : std::uint8_t { added, changed, deleted };
+        What what = What::changed;
+        CloudKind kind = CloudKind::point;
+        std::int64_t id = 0;
+        std::string name, group;   // of a point its own name and that of its group, as they were then
+        std::uint32_t fields = 0;  // that came in with a change
+        std::int32_t device = 0;
+        std::string author;
+    };
+
     struct Taken {
         int groups = 0, points = 0;  // new or changed
         int deleted = 0;             // groups and points, without those that went with their group
         int conflicts = 0;
         std::vector<DerivedPositions::Place> computed;  // positions, at the last page; they wait to be sent
+        std::vector<TakenItem> items;                   // without those that stay as they are
     };
 
     /// Takes a page of what others changed. A field that waits to be sent keeps its value and becomes a
@@ -134,7 +147,7 @@ private:
                        Taken& taken);
     [[noreturn]] void RefuseReply(const CloudReply& reply) const;
     bool IsAsHere(const CloudReply& reply, CCloudItem& item);
-    bool TakeFields(const CloudReply& reply, CCloudItem& item);
+    bool TakeFields(const CloudReply& reply, CCloudItem& item, std::uint32_t& bits);
     void LookAtPositions(const CloudReply& reply, CCloudItem& item, std::uint32_t bits);
     void ComputePositions(Taken& taken);
     void NoteComputed(const Taken& taken);
