@@ -10,7 +10,9 @@
 #include "apps/gpsbook/commands/CommandError.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
 #include "gps/model/CLibGps.h"
+#include "gps/persist/StreamVersions.h"
 #include "host/project/Project.h"
+#include "platform/base/ofpstream.h"
 
 namespace gpsbook {
 
@@ -25,14 +27,14 @@ std::int64_t PointsOf(const CLibGps& book) {
     return points;
 }
 
-/// What a merge can fill in the items of a book, to know in which of them it has.
+/// The items of a book as its file would hold them, to know in which of them a merge has filled something.
 class Contents {
 public:
     explicit Contents(CLibGps& book) : book_(book) {
         for (int g = 0; g < book.GetGrpArSize(); ++g) {
             Row& row = rows_.emplace_back();
-            row.group = OfGroup(g);
-            for (int p = 0; p < book.GetPunArSize(g); ++p) row.points.push_back(OfPoint(g, p));
+            row.group = HashOf(*book.GetGrpAt(g));
+            for (int p = 0; p < book.GetPunArSize(g); ++p) row.points.push_back(HashOf(*book.GetPunAt(g, p)));
         }
     }
 
@@ -40,9 +42,9 @@ public:
     void CountChanged(std::int64_t& groups, std::int64_t& points) {
         for (std::size_t g = 0; g < rows_.size(); ++g) {
             const int at = static_cast<int>(g);
-            groups += OfGroup(at) != rows_[g].group ? 1 : 0;
+            groups += HashOf(*book_.GetGrpAt(at)) != rows_[g].group ? 1 : 0;
             for (std::size_t p = 0; p < rows_[g].points.size(); ++p)
-                points += OfPoint(at, static_cast<int>(p)) != rows_[g].points[p] ? 1 : 0;
+                points += HashOf(*book_.GetPunAt(at, static_cast<int>(p))) != rows_[g].points[p] ? 1 : 0;
         }
     }
 
@@ -52,37 +54,33 @@ private:
         std::vector<std::size_t> points;
     };
 
-    std::size_t OfGroup(int g) {
-        const CGrpGps& group = *book_.GetGrpAt(g);
-        OfEntity(group);
-        for (const std::string* text :
-             {&group.GetOper(), &group.GetStrum(), &group.GetData(), &group.GetLocalita()})
-            Add(*text);
-        Add(fmt::format("{} {} {}", group.GetGrpFlagRis(), group.GetGrpFactorA(), group.GetGrpFactorB()));
-        return std::hash<std::string>()(key_);
+    static std::size_t HashOf(CGrpGps& group) {
+        return HashOf(group, [&](ofpstream& out) { group.SalvaInFile(out, true, nullptr); });
     }
-    std::size_t OfPoint(int g, int p) {
-        const CPunGps& point = *book_.GetPunAt(g, p);
-        OfEntity(point);
-        Add(fmt::format("{} {}", point.IsPrimaryPtDup(), point.IsSecondaryPtDup()));
-        return std::hash<std::string>()(key_);
+    static std::size_t HashOf(CPunGps& point) {
+        return HashOf(point, [&](ofpstream& out) { point.SalvaInFile(out, true); });
     }
 
-    void OfEntity(const CEgn& entity) {
-        key_.clear();
-        for (const std::string* text :
-             {&entity.GetTerScri(), &entity.GetNote(), &entity.GetNomiFoto_Raw(), &entity.GetAttribDis()})
-            Add(*text);
-        // A merge makes 0 of a descriptor that there is none of on both sides: that fills nothing.
-        Add(fmt::format("{} {}", entity.GetVldtEgn(), std::max(entity.GetIdentDescr(), 0)));
+    template <class Save>
+    static std::size_t HashOf(const CEgn& entity, const Save& save) {
+        std::string record = Saved(save);
+        const std::string plain = Saved([&](ofpstream& out) { entity.CEgn::SalvaInFile(out); });
+        if (const std::size_t at = record.find(plain); at != std::string::npos)
+            record.erase(at, plain.size());
+        // A merge makes 0 of a descriptor that there is none of on both sides: that fills nothing, though the
+        // entity takes more room in the file.
+        CEgn same(entity);
+        same.SetIdentDescr(std::max(same.GetIdentDescr(), 0));
+        return std::hash<std::string>()(record + Saved([&](ofpstream& out) { same.SalvaInFile(out); }));
     }
-    void Add(const std::string& text) {
-        key_ += text;
-        key_ += '\0';
+    template <class Save>
+    static std::string Saved(const Save& save) {
+        ofpstream out(kVerCorrente);
+        save(out);
+        return std::string(out.GetBytes());
     }
 
     CLibGps& book_;
-    std::string key_;  // its memory is used again
     std::vector<Row> rows_;
 };
 
