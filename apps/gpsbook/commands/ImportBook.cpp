@@ -30,8 +30,7 @@ void Run(const Arguments& a) {
     const std::string otherFile = BookFile(a.other);
     NeedTwoBooks(BookFile(a.book), otherFile);
     const auto project = OpenToWrite(a.book);
-    const auto other = OpenToRead(otherFile);
-    EndReading(*other);  // a part of a book is not handed on as the whole
+    const auto other = OpenOther(otherFile);
     const MergedItems made = ImportBook(*project, *other, a.asNew);
     const bool saved = made.IsAnything();
     if (saved) SaveBook(*project);

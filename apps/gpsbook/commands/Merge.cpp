@@ -30,8 +30,8 @@ void NoteRest(const std::string& book, const std::string& other, const MergedIte
     const auto note = [](const std::string& text) { std::cerr << "note: " << text << '\n'; };
     if (made.asNew > 0)
         note(fmt::format(
-            "{}: {} that the project does not know are new ones of {} now; when {} is synced, too, "
-            "they are there twice",
+            "{}: {} that the project does not know became new ones of {}; when {} is merged once more, or is "
+            "synced itself, they are there once more",
             other, Counted(made.asNew, "item"), book, other));
     if (made.notTaken > 0)
         note(
@@ -44,8 +44,7 @@ void Run(const Arguments& a) {
     const std::string otherFile = BookFile(a.other);
     NeedTwoBooks(BookFile(a.book), otherFile);
     const auto project = OpenToWrite(a.book);
-    const auto other = OpenToRead(otherFile);
-    EndReading(*other);  // a part of a book is not taken for the whole
+    const auto other = OpenOther(otherFile);
     const MergedItems made = MergeBook(*project, *other);
     SaveBook(*project);
     NoteOtherDatums(project->GetPath(), made);

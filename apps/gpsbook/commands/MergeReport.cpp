@@ -16,6 +16,19 @@ void NeedTwoBooks(const std::string& book, const std::string& other) {
         throw CommandError(exitUsage, "OTHER: \"" + other + "\" is the book itself; give another one");
 }
 
+std::unique_ptr<gpsproject::Project> OpenOther(const std::string& file) {
+    auto other = OpenToRead(file);
+    if (!other->GetReport().IsDamaged()) return other;
+    const bool journal = IsOnlyJournalDamaged(*other);
+    throw CommandError(
+        exitRefused,
+        file + (journal
+                    ? ": its journal is damaged or not its own; nothing is taken over; gpsbook journal "
+                      "verify tells more, gpsbook journal salvage takes what can be used and keeps the rest"
+                    : ": damaged; nothing is taken over; gpsbook check tells more, gpsbook export saves "
+                      "what can be read, or go back to its backup"));
+}
+
 void NoteOtherDatums(const std::string& book, const MergedItems& made) {
     if (made.otherDatums == 0) return;
     std::cerr << fmt::format(
