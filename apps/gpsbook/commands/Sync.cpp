@@ -39,6 +39,7 @@ using gpssync::SyncReport;
 
 struct Arguments {
     std::string book;
+using TransportKind = gpssync::TransportError::Kind;
     std::string store;
     std::string project;
     std::string author;
@@ -77,6 +78,13 @@ std::string AuthorFrom(const Arguments& a) {
 /// Whose groups and points become new ones of a project that others have filled already.
 void NoteAdded(const Project& project, const CLibGps& book, const gpssync::SharedProject& shared) {
     if (shared.made || book.GetGrpArSize() == 0 || shared.revision == 0) return;
+void CheckProjectName(const std::string& name) {
+    if (name.empty()) return;  // the one that the book remembers
+    // What tells an author tells a project: it stands in the same lines.
+    if (const std::string problem = gpssync::AuthorProblem(name); !problem.empty())
+        throw CommandError(exitUsage, "--project: " + problem);
+}
+
     std::cerr << fmt::format(
         "note: {}: its {} come into the project beside those that are there; what others have sent of the "
         "same is there twice\n",
@@ -106,9 +114,10 @@ public:
                 if (IsAskedToEnd()) throw CommandError(exitFailure, project_->GetPath() + ": interrupted");
             });
         } catch (const CommandError& e) {
-            throw CommandError(e.Code(), e.what() + Saved());
+            throw CommandError(e.Code(), e.what() + Saved(true));
         } catch (const gpssync::TransportError& e) {
-            throw gpssync::TransportError(e.GetKind(), e.what() + Saved());
+            throw gpssync::TransportError(e.GetKind(),
+                                          e.what() + Saved(e.GetKind() == TransportKind::noAnswer));
         }
         SaveSynced(*project_);
         for (const CloudConflict& conflict : cloud_.GetState().conflicts)
@@ -146,8 +155,11 @@ private:
         const std::string store = a.store.empty() ? link.store : StoreToRemember(book, a.store);
         transport_ = OpenStoreOf(book, store, first);
         if (!first && a.store.empty() && a.project.empty()) return;
-        const gpssync::SharedProject shared = gpssync::LinkBook(
-            *project_, *transport_, store, a.project.empty() ? link.project : a.project, first);
+        const gpssync::SharedProject shared =
+            LinkTo(store, a.project.empty() ? link.project : a.project, first);
+        // A copy of the store that is older, or has gone another way, is not remembered in place of the right
+        // one: it says so here, before anything is saved.
+        if (!first) transport_->Pull(shared.key, {device_, author_}, cloud_.GetPullRequest());
         if (first) NoteAdded(*project_, project_->GetBook(), shared);
         made_ = shared.made;
         linked_ = first;
@@ -162,14 +174,29 @@ private:
         project_->Save();
     }
 
-    /// What an error leaves, which the next sync goes on with.
-    std::string Saved() {
+    /// What an error leaves. One that stays as it is ends the next sync, too.
+    std::string Saved(bool passes) {
         try {
             SaveSynced(*project_);
         } catch (const gpsproject::ProjectError& e) {
             return fmt::format("; {}; what was sent and taken is in its journal", e.what());
+    gpssync::SharedProject LinkTo(const std::string& store, const std::string& name, bool make) {
+        try {
+            return gpssync::LinkBook(*project_, *transport_, store, name, make);
+        } catch (const gpssync::TransportError& e) {
+            if (e.GetKind() != TransportKind::notFound) throw;
+            throw CommandError(
+                exitNotFound,
+                fmt::format(
+                    "{}: holds no project '{}'; --store names another store, --project another project",
+                    Printable(StoreFile(project_->GetPath(), store)), Printable(name)));
         }
-        return "; what was sent and taken until then is saved, the next sync goes on with it";
+    }
+
+        }
+        return passes
+                   ? "; what was sent and taken until then is saved, the next sync goes on with it"
+                   : "; what was sent and taken until then is saved, and the book keeps what it has to send";
     }
 
     std::string Text() {
@@ -248,6 +275,7 @@ void AddSyncCommand(CLI::App& app, int& exitCode) {
     command->add_flag("--json", a->json, "Print what was done as JSON");
     command->footer(
         "Examples:\n"
+    CheckProjectName(a.project);
         "  gpsbook sync site.gpsbook --store /mnt/office/shared.sqlite --project Dam\n"
         "  gpsbook sync site.gpsbook");
     command->callback([a, &exitCode] { exitCode = RunCommand("sync", [&] { Run(*a); }); });

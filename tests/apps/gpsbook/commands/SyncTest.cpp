@@ -1,6 +1,7 @@
 // gpsbook sync: books that are shared through a store.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -223,7 +224,17 @@ TEST(Sync, AnotherProjectIsRefused) {
         0);
     site.ExpectRefused({"sync", "site.gpsbook", "--project", "Quarry"}, 3, "make a new book");
     site.ExpectRefused({"sync", "site.gpsbook", "--store", "second.sqlite"}, 3, "import-book");
-    site.ExpectRefused({"sync", "site.gpsbook", "--project", "Nowhere"}, 5, "Nowhere");
+    site.ExpectRefused({"sync", "site.gpsbook", "--project", "Nowhere"}, 5,
+                       "shared.sqlite: holds no project 'Nowhere'; --store names another store, --project "
+                       "another project");
+}
+
+TEST(Sync, ProjectNameThatCannotBeToldIsAWrongCommandLine) {
+    const SharedSite site;
+    for (const std::string& name :
+         {std::string(201, 'x'), std::string("two\nlines"), std::string("\xff"), std::string("tab\there")})
+        site.ExpectRefused({"sync", "site.gpsbook", "--store", "shared.sqlite", "--project", name}, 2,
+                           "--project: the name ");
 }
 
 TEST(Sync, FileThatIsNoStoreIsRefused) {
@@ -326,9 +337,67 @@ TEST(Sync, InterruptedOneIsSavedAndTheNextGoesOn) {
     EXPECT_EQ(outcome.exitCode, 1) << outcome;
     EXPECT_NE(outcome.err.find("site.gpsbook: interrupted; what was sent and taken until then is saved"),
               std::string::npos)
+    EXPECT_NE(outcome.err.find("put back to an earlier state"), std::string::npos) << outcome;
+    EXPECT_EQ(outcome.err.find("the next sync goes on"), std::string::npos) << outcome;
         << outcome;
     EXPECT_FALSE(std::filesystem::exists(site.Path("site.gpsbook.journal")));
     EXPECT_EQ(site.Sync("anna")["repeated"], true);
+TEST(Sync, OlderCopyOfTheStoreDoesNotTakeTheRightOnesPlace) {
+    const SharedSite site;
+    site.Share();
+    site.Put("copy.sqlite", site.Text("shared.sqlite"));
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    site.Sync("anna");
+    ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=P5"}).exitCode, 0);
+    const std::string before = site.Bytes();
+    const Outcome outcome = site.As("anna", {"sync", "site.gpsbook", "--store", "copy.sqlite"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.err.find("put back to an earlier state"), std::string::npos) << outcome;
+    EXPECT_TRUE(site.Bytes() == before);
+    EXPECT_EQ(site.Status("anna")["store"], "shared.sqlite");
+    EXPECT_EQ(site.Sync("anna")["sent"]["new"], 1);
+    site.Sync("bert");
+    site.ExpectSame();
+}
+
+// A rename keeps the store as it is: only what is in it tells whether it is the right one.
+TEST(Sync, CopyOfTheStoreThatHasGoneAnotherWayIsNotRemembered) {
+    const SharedSite site;
+    site.Share();
+    site.Put("copy.sqlite", site.Text("shared.sqlite"));
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    site.Sync("anna");
+    for (const char* code : {"WALL", "KERB"}) {
+        ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/P1", std::string("code=") + code}).exitCode,
+                  0);
+        const Outcome sent = site.As("bert", {"sync", "bert.gpsbook", "--store", "copy.sqlite"});
+        ASSERT_EQ(sent.exitCode, 0) << sent;
+    }
+    site.Sync("anna");  // its own revision is part of what it knows now
+    const Outcome outcome = site.As("anna", {"sync", "site.gpsbook", "--store", "copy.sqlite"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_EQ(site.Status("anna")["store"], "shared.sqlite");
+    EXPECT_EQ(site.FieldOf("anna", "Quay/P1", "code"), "FENCE");
+}
+
+TEST(Sync, StoreThatCannotBeOpenedOrWrittenIsTriedAgain) {
+    const SharedSite site;
+    InFolder(site, "stick");
+    const Outcome folder = site.As("anna", {"sync", "site.gpsbook", "--store", "stick", "--project", "Dam"});
+    EXPECT_EQ(folder.exitCode, 6) << folder;
+    EXPECT_NE(folder.err.find("stick"), std::string::npos) << folder;
+    site.Share();
+    if (::geteuid() == 0) return;  // who may write everything
+    namespace fs = std::filesystem;
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    fs::permissions(site.Path("shared.sqlite"), fs::perms::owner_read);
+    const Outcome readable = site.As("anna", {"sync", "site.gpsbook"});
+    EXPECT_EQ(readable.exitCode, 6) << readable;
+    EXPECT_NE(readable.err.find("it can only be read"), std::string::npos) << readable;
+    fs::permissions(site.Path("shared.sqlite"), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(site.Sync("anna")["repeated"], true);
+}
+
     site.Sync("bert");
     site.ExpectSame();
     EXPECT_EQ(site.Points("Quay"), "P1 P2 P3 P4 P5");
