@@ -30,4 +30,5 @@ target_sources(gpsbook_lib PRIVATE
   book/Progress.cpp
   book/Reorder.cpp
   book/SharedBook.cpp
+  book/TakenText.cpp
   book/VersionLimits.cpp)

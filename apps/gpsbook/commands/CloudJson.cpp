@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "apps/gpsbook/book/CloudText.h"
+#include "host/project/HeldBack.h"
 
 namespace gpsbook {
 
@@ -48,6 +49,24 @@ Json LinkJson(Project& project) {
             {"project", orNull(state.link.project)},
             {"key", orNull(state.link.key)},
             {"revision", linked ? Json(state.revision) : Json(nullptr)}};
+}
+
+Json PlaceJson(const CLibGps& book, const Place& place) {
+    return {{"kind", place.IsPoint() ? "point" : "group"},
+            {"group", place.group},
+            {"point", place.IsPoint() ? Json(place.point) : Json(nullptr)},
+            {"name", PlaceText(book, place)}};
+}
+
+Json HeldJson(Project& project) {
+    const CLibGps& book = project.GetBook();
+    Json all = Json::array();
+    for (const auto& one : gpsproject::FindHeld(project.GetBook(), project.GetCloud().GetTables())) {
+        Json item = PlaceJson(book, {one.g, one.p});
+        item["why"] = one.why;
+        all.push_back(item);
+    }
+    return all;
 }
 
 Json RefusedJson(const CloudState& state) {

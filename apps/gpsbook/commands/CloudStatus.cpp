@@ -68,13 +68,6 @@ std::int64_t CountOf(const std::vector<Waiting>& items, CloudKind kind) {
     return std::count_if(items.begin(), items.end(), [&](const Waiting& one) { return one.kind == kind; });
 }
 
-Json PlaceJson(const CLibGps& book, const Place& place) {
-    return {{"kind", place.IsPoint() ? "point" : "group"},
-            {"group", place.group},
-            {"point", place.IsPoint() ? Json(place.point) : Json(nullptr)},
-            {"name", PlaceText(book, place)}};
-}
-
 Json StatusJson(Project& project, const Status& status) {
     const CLibGps& book = project.GetBook();
     const auto& state = project.GetCloud().GetState();
@@ -92,12 +85,7 @@ Json StatusJson(Project& project, const Status& status) {
         json["changed"].push_back(item);
     }
     json["deleted"] = {{"groups", tables.base.GetDeleted()}, {"points", tables.points.GetDeleted()}};
-    json["held"] = Json::array();
-    for (const HeldItem& one : status.held) {
-        Json item = PlaceJson(book, {one.g, one.p});
-        item["why"] = one.why;
-        json["held"].push_back(item);
-    }
+    json["held"] = HeldJson(project);
     json["refused"] = RefusedJson(state);
     json["conflicts"] = Json::array();
     for (const auto& conflict : state.conflicts) json["conflicts"].push_back(ConflictJson(project, conflict));

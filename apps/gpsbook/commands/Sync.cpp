@@ -15,10 +15,12 @@
 #include "apps/gpsbook/book/Interrupt.h"
 #include "apps/gpsbook/book/OpenBook.h"
 #include "apps/gpsbook/book/SharedBook.h"
+#include "apps/gpsbook/book/TakenText.h"
 #include "apps/gpsbook/commands/CloudJson.h"
 #include "apps/gpsbook/commands/CommandError.h"
 #include "apps/gpsbook/commands/ConvertSummary.h"
 #include "apps/gpsbook/commands/Filled.h"
+#include "apps/gpsbook/commands/FirstLines.h"
 #include "apps/gpsbook/commands/Output.h"
 #include "apps/gpsbook/commands/RunCommand.h"
 #include "apps/gpsbook/commands/TextTable.h"
@@ -34,12 +36,13 @@ namespace {
 
 using gpsproject::CloudConflict;
 using gpsproject::CloudLink;
+using TakenItem = gpsproject::BookCloud::TakenItem;
 using gpsproject::Project;
 using gpssync::SyncReport;
+using TransportKind = gpssync::TransportError::Kind;
 
 struct Arguments {
     std::string book;
-using TransportKind = gpssync::TransportError::Kind;
     std::string store;
     std::string project;
     std::string author;
@@ -75,9 +78,6 @@ std::string AuthorFrom(const Arguments& a) {
     return author;
 }
 
-/// Whose groups and points become new ones of a project that others have filled already.
-void NoteAdded(const Project& project, const CLibGps& book, const gpssync::SharedProject& shared) {
-    if (shared.made || book.GetGrpArSize() == 0 || shared.revision == 0) return;
 void CheckProjectName(const std::string& name) {
     if (name.empty()) return;  // the one that the book remembers
     // What tells an author tells a project: it stands in the same lines.
@@ -85,10 +85,23 @@ void CheckProjectName(const std::string& name) {
         throw CommandError(exitUsage, "--project: " + problem);
 }
 
+/// Whose groups and points become new ones of a project that others have filled already.
+void NoteAdded(const Project& project, const CLibGps& book, const gpssync::SharedProject& shared) {
+    if (shared.made || book.GetGrpArSize() == 0 || shared.revision == 0) return;
     std::cerr << fmt::format(
         "note: {}: its {} come into the project beside those that are there; what others have sent of the "
         "same is there twice\n",
         project.GetPath(), Counted(book.GetGrpArSize(), "group"));
+}
+
+nlohmann::ordered_json TakenJson(const TakenItem& item) {
+    return {{"what", WhatText(item.what)},
+            {"kind", KindText(item.kind)},
+            {"id", item.id},
+            {"name", TakenName(item)},
+            {"fields", FieldNames(item.kind, item.fields)},
+            {"author", item.author},
+            {"device", item.device}};
 }
 
 class Session {
@@ -167,19 +180,6 @@ private:
         if (!(cloud_.GetState().link == link)) SaveSynced(*project_);
     }
 
-    /// Twice: book and backup know the commit from then on, also when the sync ends before its last save.
-    /// Whoever goes back to the backup repeats the commit, and does not send the same points a second time.
-    void SaveWithItsBackup() {
-        project_->Save();
-        project_->Save();
-    }
-
-    /// What an error leaves. One that stays as it is ends the next sync, too.
-    std::string Saved(bool passes) {
-        try {
-            SaveSynced(*project_);
-        } catch (const gpsproject::ProjectError& e) {
-            return fmt::format("; {}; what was sent and taken is in its journal", e.what());
     gpssync::SharedProject LinkTo(const std::string& store, const std::string& name, bool make) {
         try {
             return gpssync::LinkBook(*project_, *transport_, store, name, make);
@@ -193,6 +193,19 @@ private:
         }
     }
 
+    /// Twice: book and backup know the commit from then on, also when the sync ends before its last save.
+    /// Whoever goes back to the backup repeats the commit, and does not send the same points a second time.
+    void SaveWithItsBackup() {
+        project_->Save();
+        project_->Save();
+    }
+
+    /// What an error leaves. One that stays as it is ends the next sync, too.
+    std::string Saved(bool passes) {
+        try {
+            SaveSynced(*project_);
+        } catch (const gpsproject::ProjectError& e) {
+            return fmt::format("; {}; what was sent and taken is in its journal", e.what());
         }
         return passes
                    ? "; what was sent and taken until then is saved, the next sync goes on with it"
@@ -210,13 +223,22 @@ private:
                             report_.deleted);
         text += fmt::format("  taken: {}, {}, {} deleted\n", Counted(report_.taken.groups, "group"),
                             Counted(report_.taken.points, "point"), report_.taken.deleted);
+        // Whoever has just come in takes everything, which lists tell better.
+        if (!linked_)
+            text += FirstLines(report_.taken.items, "; --json tells all\n",
+                               [&](const TakenItem& item) { return "    " + TakenLine(item); });
         if (report_.held > 0)
             text += fmt::format("  held back: {}; gpsbook cloud status tells why\n",
                                 Counted(report_.held, "item"));
         if (report_.refused > 0)
-            for (const gpsproject::CloudRefusal& refusal : state.refusals)
-                text += fmt::format("  refused: {}: {}\n", RefusedItem(refusal), Printable(refusal.reason));
-        for (const CloudConflict& conflict : new_) text += "  conflict " + ConflictLine(*project_, conflict);
+            text += FirstLines(state.refusals, "; gpsbook cloud status tells all\n",
+                               [](const gpsproject::CloudRefusal& refusal) {
+                                   return fmt::format("  refused: {}: {}\n", RefusedItem(refusal),
+                                                      Printable(refusal.reason));
+                               });
+        text += FirstLines(new_, "; gpsbook cloud status tells all\n", [&](const CloudConflict& conflict) {
+            return "  conflict " + ConflictLine(*project_, conflict);
+        });
         return text;
     }
 
@@ -230,7 +252,9 @@ private:
         json["taken"] = {{"groups", report_.taken.groups},
                          {"points", report_.taken.points},
                          {"deleted", report_.taken.deleted}};
-        json["held"] = report_.held;
+        json["taken_items"] = nlohmann::ordered_json::array();
+        for (const TakenItem& item : report_.taken.items) json["taken_items"].push_back(TakenJson(item));
+        json["held"] = HeldJson(*project_);
         json["refused"] = report_.refused > 0 ? RefusedJson(state) : nlohmann::ordered_json::array();
         json["conflicts"] = nlohmann::ordered_json::array();
         for (const CloudConflict& conflict : new_)
@@ -251,6 +275,7 @@ private:
 };
 
 void Run(const Arguments& a) {
+    CheckProjectName(a.project);
     Session session(a);
     session.Run();
     session.Print();
@@ -275,7 +300,6 @@ void AddSyncCommand(CLI::App& app, int& exitCode) {
     command->add_flag("--json", a->json, "Print what was done as JSON");
     command->footer(
         "Examples:\n"
-    CheckProjectName(a.project);
         "  gpsbook sync site.gpsbook --store /mnt/office/shared.sqlite --project Dam\n"
         "  gpsbook sync site.gpsbook");
     command->callback([a, &exitCode] { exitCode = RunCommand("sync", [&] { Run(*a); }); });

@@ -47,7 +47,7 @@ TEST(Sync, FirstTimeSendsTheWholeBookAndTellsThatTheProjectIsNew) {
     EXPECT_EQ(done["repeated"], false);
     EXPECT_EQ(done["sent"], json({{"new", 8}, {"changed", 0}, {"deleted", 0}}));
     EXPECT_EQ(done["taken"], json({{"groups", 0}, {"points", 0}, {"deleted", 0}}));
-    EXPECT_EQ(done["held"], 0);
+    EXPECT_EQ(done["held"], json::array());
     EXPECT_EQ(done["refused"], json::array());
     EXPECT_EQ(done["conflicts"], json::array());
 }
@@ -166,6 +166,81 @@ TEST(Sync, SameFieldIsAConflictAndTheLastOneHolds) {
     site.ExpectSame();
 }
 
+// --- what others did -------------------------------------------------------------------------------------
+
+TEST(Sync, TellsWhatOthersAddedChangedAndDeleted) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE", "antenna=1.8"}).exitCode, 0);
+    ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Pier", "name=C"}).exitCode, 0);
+    ASSERT_EQ(site.As("anna", {"delete", "site.gpsbook", "Quay/P3"}).exitCode, 0);
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Pier", "name=Mole"}).exitCode, 0);
+    site.Sync("anna");
+    site.Put("copy.gpsbook", site.Text("bert.gpsbook"));
+    const Outcome outcome = site.As("bert", {"sync", "bert.gpsbook"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome;
+    EXPECT_NE(outcome.out.find("  taken: 1 group, 2 points, 1 deleted\n"
+                               "    group Mole (id 2): name, group-name, by anna\n"
+                               "    point Quay/P1 (id 3): code-text, position, antenna, by anna\n"
+                               "    point Mole/C (id 9): added, by anna\n"
+                               "    point Quay/P3 (id 5): deleted, by anna\n"),
+              std::string::npos)
+        << outcome;
+    const json done = JsonOf(site.As("bert", {"sync", "copy.gpsbook", "--json"}));
+    const json& items = done["taken_items"];
+    ASSERT_EQ(items.size(), 4U) << items;
+    EXPECT_EQ(items[1]["what"], "changed");
+    EXPECT_EQ(items[1]["kind"], "point");
+    EXPECT_EQ(items[1]["id"], 3);
+    EXPECT_EQ(items[1]["name"], "Quay/P1");
+    EXPECT_EQ(items[1]["fields"], json({"code-text", "position", "antenna"}));
+    EXPECT_EQ(items[1]["author"], "anna");
+    EXPECT_EQ(items[2]["what"], "added");
+    EXPECT_EQ(items[2]["fields"], json::array());
+    EXPECT_EQ(items[3]["what"], "deleted");
+    EXPECT_EQ(items[3]["name"], "Quay/P3");
+}
+
+TEST(Sync, LongListsStopAfterTwentyLines) {
+    const SharedSite site([](gpsproject::Project& project) {
+        for (int i = 0; i < 19; ++i) project.GetBook().AddPun(1, false)->SetNome("N" + std::to_string(i));
+    });
+    site.Share();
+    const auto lines = [](const std::string& text, const std::string& part) {
+        std::size_t count = 0;
+        for (const std::string& line : LinesOf(text)) count += line.find(part) != std::string::npos ? 1 : 0;
+        return count;
+    };
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Pier/#0..", "code=FENCE"}).exitCode, 0);
+    site.Sync("anna");
+    const Outcome taken = site.As("bert", {"sync", "bert.gpsbook"});
+    EXPECT_EQ(taken.exitCode, 0) << taken;
+    EXPECT_EQ(lines(taken.out, "code-text, by anna"), 20U) << taken;
+    EXPECT_NE(taken.out.find("\n    ... and 1 more; --json tells all\n"), std::string::npos) << taken;
+
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Pier/#0..", "code=GATE"}).exitCode, 0);
+    ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Pier/#0..", "code=WALL"}).exitCode, 0);
+    site.Sync("anna");
+    const Outcome met = site.As("bert", {"sync", "bert.gpsbook"});
+    EXPECT_EQ(met.exitCode, 3) << met;
+    EXPECT_EQ(lines(met.out, "  conflict "), 20U) << met;
+    EXPECT_NE(met.out.find("\n  ... and 1 more; gpsbook cloud status tells all\n"), std::string::npos) << met;
+    EXPECT_NE(met.err.find("21 new conflicts"), std::string::npos) << met;
+}
+
+TEST(Sync, RecordThatTheProjectRefusesIsTold) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"delete", "site.gpsbook", "Pier"}).exitCode, 0);
+    site.Sync("anna");
+    ASSERT_EQ(site.As("bert", {"add", "bert.gpsbook", "Pier", "name=C"}).exitCode, 0);
+    const Outcome outcome = site.As("bert", {"sync", "bert.gpsbook"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.out.find("  sent: 0 new, 0 changed, 0 deleted\n"), std::string::npos) << outcome;
+    EXPECT_NE(outcome.out.find("\n  refused: point C: its group 2 was deleted by anna"), std::string::npos)
+        << outcome;
+}
+
 // --- store and project -----------------------------------------------------------------------------------
 
 TEST(Sync, RelativeStoreMovesWithTheBook) {
@@ -262,7 +337,64 @@ TEST(Sync, StoreOfAnEarlierStateIsRefused) {
     site.Put("shared.sqlite", earlier);
     const Outcome outcome = site.As("anna", {"sync", "site.gpsbook"});
     EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.err.find("put back to an earlier state"), std::string::npos) << outcome;
+    EXPECT_EQ(outcome.err.find("the next sync goes on"), std::string::npos) << outcome;
     EXPECT_EQ(site.FieldOf("anna", "Quay/P1", "code"), "FENCE");
+}
+
+TEST(Sync, OlderCopyOfTheStoreDoesNotTakeTheRightOnesPlace) {
+    const SharedSite site;
+    site.Share();
+    site.Put("copy.sqlite", site.Text("shared.sqlite"));
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    site.Sync("anna");
+    ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=P5"}).exitCode, 0);
+    const std::string before = site.Bytes();
+    const Outcome outcome = site.As("anna", {"sync", "site.gpsbook", "--store", "copy.sqlite"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.err.find("put back to an earlier state"), std::string::npos) << outcome;
+    EXPECT_TRUE(site.Bytes() == before);
+    EXPECT_EQ(site.Status("anna")["store"], "shared.sqlite");
+    EXPECT_EQ(site.Sync("anna")["sent"]["new"], 1);
+    site.Sync("bert");
+    site.ExpectSame();
+}
+
+TEST(Sync, CopyOfTheStoreThatHasGoneAnotherWayIsNotRemembered) {
+    const SharedSite site;
+    site.Share();
+    site.Put("copy.sqlite", site.Text("shared.sqlite"));
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    site.Sync("anna");
+    for (const char* code : {"WALL", "KERB"}) {
+        ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/P1", std::string("code=") + code}).exitCode,
+                  0);
+        const Outcome sent = site.As("bert", {"sync", "bert.gpsbook", "--store", "copy.sqlite"});
+        ASSERT_EQ(sent.exitCode, 0) << sent;
+    }
+    site.Sync("anna");  // takes its own revision into what it knows
+    const Outcome outcome = site.As("anna", {"sync", "site.gpsbook", "--store", "copy.sqlite"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_EQ(site.Status("anna")["store"], "shared.sqlite");
+    EXPECT_EQ(site.FieldOf("anna", "Quay/P1", "code"), "FENCE");
+}
+
+TEST(Sync, StoreThatCannotBeOpenedOrWrittenIsTriedAgain) {
+    const SharedSite site;
+    InFolder(site, "stick");
+    const Outcome folder = site.As("anna", {"sync", "site.gpsbook", "--store", "stick", "--project", "Dam"});
+    EXPECT_EQ(folder.exitCode, 6) << folder;
+    EXPECT_NE(folder.err.find("stick"), std::string::npos) << folder;
+    site.Share();
+    if (::geteuid() == 0) return;  // who may write everything
+    namespace fs = std::filesystem;
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    fs::permissions(site.Path("shared.sqlite"), fs::perms::owner_read);
+    const Outcome readable = site.As("anna", {"sync", "site.gpsbook"});
+    EXPECT_EQ(readable.exitCode, 6) << readable;
+    EXPECT_NE(readable.err.find("it can only be read"), std::string::npos) << readable;
+    fs::permissions(site.Path("shared.sqlite"), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(site.Sync("anna")["repeated"], true);
 }
 
 TEST(Sync, BookThatSomebodyWritesIsLocked) {
@@ -337,67 +469,9 @@ TEST(Sync, InterruptedOneIsSavedAndTheNextGoesOn) {
     EXPECT_EQ(outcome.exitCode, 1) << outcome;
     EXPECT_NE(outcome.err.find("site.gpsbook: interrupted; what was sent and taken until then is saved"),
               std::string::npos)
-    EXPECT_NE(outcome.err.find("put back to an earlier state"), std::string::npos) << outcome;
-    EXPECT_EQ(outcome.err.find("the next sync goes on"), std::string::npos) << outcome;
         << outcome;
     EXPECT_FALSE(std::filesystem::exists(site.Path("site.gpsbook.journal")));
     EXPECT_EQ(site.Sync("anna")["repeated"], true);
-TEST(Sync, OlderCopyOfTheStoreDoesNotTakeTheRightOnesPlace) {
-    const SharedSite site;
-    site.Share();
-    site.Put("copy.sqlite", site.Text("shared.sqlite"));
-    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
-    site.Sync("anna");
-    ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=P5"}).exitCode, 0);
-    const std::string before = site.Bytes();
-    const Outcome outcome = site.As("anna", {"sync", "site.gpsbook", "--store", "copy.sqlite"});
-    EXPECT_EQ(outcome.exitCode, 3) << outcome;
-    EXPECT_NE(outcome.err.find("put back to an earlier state"), std::string::npos) << outcome;
-    EXPECT_TRUE(site.Bytes() == before);
-    EXPECT_EQ(site.Status("anna")["store"], "shared.sqlite");
-    EXPECT_EQ(site.Sync("anna")["sent"]["new"], 1);
-    site.Sync("bert");
-    site.ExpectSame();
-}
-
-// A rename keeps the store as it is: only what is in it tells whether it is the right one.
-TEST(Sync, CopyOfTheStoreThatHasGoneAnotherWayIsNotRemembered) {
-    const SharedSite site;
-    site.Share();
-    site.Put("copy.sqlite", site.Text("shared.sqlite"));
-    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
-    site.Sync("anna");
-    for (const char* code : {"WALL", "KERB"}) {
-        ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/P1", std::string("code=") + code}).exitCode,
-                  0);
-        const Outcome sent = site.As("bert", {"sync", "bert.gpsbook", "--store", "copy.sqlite"});
-        ASSERT_EQ(sent.exitCode, 0) << sent;
-    }
-    site.Sync("anna");  // its own revision is part of what it knows now
-    const Outcome outcome = site.As("anna", {"sync", "site.gpsbook", "--store", "copy.sqlite"});
-    EXPECT_EQ(outcome.exitCode, 3) << outcome;
-    EXPECT_EQ(site.Status("anna")["store"], "shared.sqlite");
-    EXPECT_EQ(site.FieldOf("anna", "Quay/P1", "code"), "FENCE");
-}
-
-TEST(Sync, StoreThatCannotBeOpenedOrWrittenIsTriedAgain) {
-    const SharedSite site;
-    InFolder(site, "stick");
-    const Outcome folder = site.As("anna", {"sync", "site.gpsbook", "--store", "stick", "--project", "Dam"});
-    EXPECT_EQ(folder.exitCode, 6) << folder;
-    EXPECT_NE(folder.err.find("stick"), std::string::npos) << folder;
-    site.Share();
-    if (::geteuid() == 0) return;  // who may write everything
-    namespace fs = std::filesystem;
-    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
-    fs::permissions(site.Path("shared.sqlite"), fs::perms::owner_read);
-    const Outcome readable = site.As("anna", {"sync", "site.gpsbook"});
-    EXPECT_EQ(readable.exitCode, 6) << readable;
-    EXPECT_NE(readable.err.find("it can only be read"), std::string::npos) << readable;
-    fs::permissions(site.Path("shared.sqlite"), fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_EQ(site.Sync("anna")["repeated"], true);
-}
-
     site.Sync("bert");
     site.ExpectSame();
     EXPECT_EQ(site.Points("Quay"), "P1 P2 P3 P4 P5");
@@ -419,7 +493,7 @@ TEST(Sync, TextThatNoRecordCarriesIsHeldBackUntilItIsCorrected) {
     ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/#1", "name=P2"}).exitCode, 0);
     const json later = site.Sync("anna");
     EXPECT_EQ(later["sent"]["new"], 1);
-    EXPECT_EQ(later["held"], 0);
+    EXPECT_EQ(later["held"], json::array());
 }
 
 constexpr char kByText[] =
@@ -449,7 +523,7 @@ TEST(Sync, GroupWhoseProjectionIsATextIsHeldBackUntilItHasACode) {
     ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay", "crs=EPSG:32633"}).exitCode, 0);
     const json later = site.Sync("anna");
     EXPECT_EQ(later["sent"], json({{"new", 5}, {"changed", 0}, {"deleted", 0}}));
-    EXPECT_EQ(later["held"], 0);
+    EXPECT_EQ(later["held"], json::array());
     site.Sync("bert");
     site.ExpectSame();
 }
@@ -463,9 +537,9 @@ TEST(Sync, KnownGroupThatGetsAProjectionByATextIsHeldBackWithThePositionsInIt) {
     ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
     ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=P5"}).exitCode, 0);
     const json done = site.Sync("anna");
-    EXPECT_EQ(done["held"], 6);
+    const json& held = done["held"];
+    EXPECT_EQ(held, site.Status("anna")["held"]);
     EXPECT_EQ(done["sent"]["new"], 0);
-    const json held = site.Status("anna")["held"];
     ASSERT_EQ(held.size(), 6U);
     EXPECT_EQ(held[0]["name"], "Quay");
     EXPECT_EQ(held[0]["why"], kByText);
@@ -475,7 +549,7 @@ TEST(Sync, KnownGroupThatGetsAProjectionByATextIsHeldBackWithThePositionsInIt) {
     EXPECT_EQ(site.FieldOf("bert", "Quay", "crs"), "EPSG:32633") << "as it was";
     EXPECT_EQ(site.Table("bert"), before) << "coordinates, too";
     ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay", "crs=EPSG:32632"}).exitCode, 0);
-    EXPECT_EQ(site.Sync("anna")["held"], 0);
+    EXPECT_EQ(site.Sync("anna")["held"], json::array());
     site.Sync("bert");
     EXPECT_EQ(site.FieldOf("bert", "Quay", "crs"), "EPSG:32632");
     site.ExpectSame();
