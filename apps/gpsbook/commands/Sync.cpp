@@ -231,14 +231,14 @@ private:
             text += fmt::format("  held back: {}; gpsbook cloud status tells why\n",
                                 Counted(report_.held, "item"));
         if (report_.refused > 0)
-            text += FirstLines(state.refusals, "; gpsbook cloud status tells all\n",
+            text += FirstLines(state.refusals, "; gpsbook cloud status --json tells all\n",
                                [](const gpsproject::CloudRefusal& refusal) {
                                    return fmt::format("  refused: {}: {}\n", RefusedItem(refusal),
                                                       Printable(refusal.reason));
                                });
-        text += FirstLines(new_, "; gpsbook cloud status tells all\n", [&](const CloudConflict& conflict) {
-            return "  conflict " + ConflictLine(*project_, conflict);
-        });
+        text += FirstLines(
+            new_, "; gpsbook cloud status --json tells all\n",
+            [&](const CloudConflict& conflict) { return "  conflict " + ConflictLine(*project_, conflict); });
         return text;
     }
 

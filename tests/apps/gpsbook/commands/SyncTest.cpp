@@ -224,7 +224,8 @@ TEST(Sync, LongListsStopAfterTwentyLines) {
     const Outcome met = site.As("bert", {"sync", "bert.gpsbook"});
     EXPECT_EQ(met.exitCode, 3) << met;
     EXPECT_EQ(lines(met.out, "  conflict "), 20U) << met;
-    EXPECT_NE(met.out.find("\n  ... and 1 more; gpsbook cloud status tells all\n"), std::string::npos) << met;
+    EXPECT_NE(met.out.find("\n  ... and 1 more; gpsbook cloud status --json tells all\n"), std::string::npos)
+        << met;
     EXPECT_NE(met.err.find("21 new conflicts"), std::string::npos) << met;
 }
 
