@@ -462,25 +462,30 @@ bool BookCloud::IsAsHere(const CloudReply& reply, CCloudItem& item) {
 }
 
 // As UpdateSuccessful_Edit does it with an item that is here. But what this book would send itself is there
-// already, and more exactly: a reply holds covariances up to 1 and types of 0 or 1. `bits`: what came in.
+// already, and more exactly: a reply holds covariances up to 1 and types of 0 or 1. `bits`: what has become
+// another value.
 bool BookCloud::TakeFields(const CloudReply& reply, CCloudItem& item, std::uint32_t& bits) {
     if (IdIn(reply.fields[1].View()) < 1) return false;
+    std::vector<std::pair<const FieldGroup*, std::string>> others;
     vex::String here;
     for (const FieldGroup& fields : FieldGroupsOf(reply.kind)) {
         if (item.GetCloudFlag() & fields.bit) continue;
         FieldsOf(reply.kind, item, fields.bit, here);
-        if (here.View() != Joined(reply.fields, fields)) bits |= fields.bit;
+        if (here.View() == Joined(reply.fields, fields)) continue;
+        others.emplace_back(&fields, here.View());
+        bits |= fields.bit;
     }
     LookAtPositions(reply, item, bits);
     {
         const ReportsOff off(item);
-        for (const FieldGroup& fields : FieldGroupsOf(reply.kind)) {
-            if ((bits & fields.bit) == 0) continue;
+        for (const auto& [fields, before] : others) {
+            const vex::String* const first = &reply.fields[static_cast<std::size_t>(fields->first)];
             if (reply.kind == CloudKind::group)
-                tables_.base.SetFields(static_cast<CGrpGps&>(item), fields.bit, &reply.fields[fields.first]);
+                tables_.base.SetFields(static_cast<CGrpGps&>(item), fields->bit, first);
             else
-                tables_.points.SetFields(static_cast<CPunGps&>(item), fields.bit,
-                                         &reply.fields[fields.first]);
+                tables_.points.SetFields(static_cast<CPunGps&>(item), fields->bit, first);
+            FieldsOf(reply.kind, item, fields->bit, here);
+            if (here.View() == before) bits &= ~fields->bit;  // only written in another way
         }
     }
     NotifyReply(&book_);

@@ -28,6 +28,7 @@
 #include "gps/model/CLibGps.h"
 #include "host/cloud/Device.h"
 #include "host/cloud/Sync.h"
+#include "host/cloud/SyncServer.h"
 #include "platform/entity/CCloudManager.h"
 
 namespace gpsbook {
@@ -80,8 +81,7 @@ std::string AuthorFrom(const Arguments& a) {
 
 void CheckProjectName(const std::string& name) {
     if (name.empty()) return;  // the one that the book remembers
-    // What tells an author tells a project: it stands in the same lines.
-    if (const std::string problem = gpssync::AuthorProblem(name); !problem.empty())
+    if (const std::string problem = gpssync::ProjectNameProblem(name); !problem.empty())
         throw CommandError(exitUsage, "--project: " + problem);
 }
 
@@ -170,9 +170,6 @@ private:
         if (!first && a.store.empty() && a.project.empty()) return;
         const gpssync::SharedProject shared =
             LinkTo(store, a.project.empty() ? link.project : a.project, first);
-        // A copy of the store that is older, or has gone another way, is not remembered in place of the right
-        // one: it says so here, before anything is saved.
-        if (!first) transport_->Pull(shared.key, {device_, author_}, cloud_.GetPullRequest());
         if (first) NoteAdded(*project_, project_->GetBook(), shared);
         made_ = shared.made;
         linked_ = first;
