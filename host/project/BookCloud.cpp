@@ -625,18 +625,17 @@ std::set<int> BookCloud::Overtaken(const CloudReply& reply, std::int64_t id, CCl
     return overtaken;
 }
 
-std::vector<int> BookCloud::FindConflictsOfPositions(
-    const std::vector<DerivedPositions::Place>& places) const {
-    std::set<std::pair<CloudKind, std::int64_t>> items;
-    for (const auto& [g, p] : places)
-        p < 0 ? items.emplace(CloudKind::group, book_.GetGrpAt(g)->GetCloudId())
-              : items.emplace(CloudKind::point, book_.GetPunAt(g, p)->GetCloudId());
+std::vector<int> BookCloud::FindConflictsOfPositions(const std::vector<DerivedPositions::Place>& places) {
     std::vector<int> numbers;
-    for (const CloudConflict& one : state_.conflicts)
-        if (one.kind == CloudConflict::Kind::field && one.clash.bit == CHG_COORD &&
-            items.contains({one.clash.kind, one.clash.id}))
-            numbers.push_back(one.number);
-    std::sort(numbers.begin(), numbers.end());
+    for (const auto& [g, p] : places) {
+        const bool group = p < 0;
+        const std::int64_t id = group ? book_.GetGrpAt(g)->GetCloudId() : book_.GetPunAt(g, p)->GetCloudId();
+        for (const int number : conflicts_.About(group ? CloudKind::group : CloudKind::point, id)) {
+            const CloudConflict& one = *conflicts_.Find(number);
+            if (one.kind == CloudConflict::Kind::field && one.clash.bit == CHG_COORD)
+                numbers.push_back(number);
+        }
+    }
     return numbers;
 }
 

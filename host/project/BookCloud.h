@@ -101,7 +101,7 @@ public:
     const CloudConflict* FindConflict(int number) const;
 
     /// Numbers of those about the positions of these items.
-    std::vector<int> FindConflictsOfPositions(const std::vector<DerivedPositions::Place>& places) const;
+    std::vector<int> FindConflictsOfPositions(const std::vector<DerivedPositions::Place>& places);
     /// What stands in the book in the fields of a conflict, as a record has it. None: it is about no field,
     /// or the item is not in the book.
     std::optional<std::string> ValueHere(const CloudConflict& conflict);

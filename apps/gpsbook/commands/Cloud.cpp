@@ -7,6 +7,7 @@
 #include <charconv>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "apps/gpsbook/book/Address.h"
 #include "apps/gpsbook/book/CloudText.h"
@@ -84,6 +85,15 @@ void GroupsFirst(Project& project, std::vector<int>& numbers) {
     });
 }
 
+/// Positions follow what they come from: what is left of them is decided behind it.
+void PositionsLast(Project& project, std::vector<int>& numbers) {
+    const auto isPosition = [](const CloudConflict* conflict) {
+        return conflict && conflict->kind == CloudConflict::Kind::field && conflict->clash.bit == CHG_COORD;
+    };
+    std::stable_partition(numbers.begin(), numbers.end(),
+                          [&](int number) { return !isPosition(project.GetCloud().FindConflict(number)); });
+}
+
 void CheckArguments(const ResolveArguments& a) {
     const int decisions = (a.mine ? 1 : 0) + (a.theirs ? 1 : 0) + (a.addAgain ? 1 : 0);
     if (decisions != 1)
@@ -134,16 +144,24 @@ void Resolve(const ResolveArguments& a) {
     if (a.all) numbers = AllThatFit(a, *project);
     const int group = a.group.empty() ? -1 : FindGroup(project->GetBook(), a.group);
     if (a.addAgain) GroupsFirst(*project, numbers);
+    if (a.theirs) PositionsLast(*project, numbers);
+    std::set<int> before;
+    for (const CloudConflict& one : project->GetCloud().GetState().conflicts) before.insert(one.number);
     std::vector<Settled> settled;
     {
         const gpsproject::BookCloud::Settling settling(project->GetCloud());
-        for (const int number : numbers) settled.push_back({number, ResolveOne(a, *project, number, group)});
+        for (const int number : numbers) {
+            // What went with another one is settled.
+            if (before.contains(number) && !project->GetCloud().FindConflict(number)) continue;
+            settled.push_back({number, ResolveOne(a, *project, number, group)});
+        }
     }
     if (!settled.empty()) SaveBook(*project);
 
     const std::size_t left = project->GetCloud().GetState().conflicts.size();
     const std::string otherwise =
         settled.empty() ? "the result could not be written" : SavedButUntold(project->GetPath());
+    const auto computed = static_cast<std::int64_t>(before.size() - left - settled.size());
     const char* const decision = a.mine ? "mine" : a.theirs ? "theirs" : "add-again";
     if (a.json) {
         nlohmann::ordered_json all = nlohmann::ordered_json::array();
@@ -152,6 +170,7 @@ void Resolve(const ResolveArguments& a) {
                    {"saved", !settled.empty()},
                    {"decision", decision},
                    {"settled", all},
+                   {"computed", computed},
                    {"left", left}},
                   otherwise);
         return;
@@ -162,6 +181,8 @@ void Resolve(const ResolveArguments& a) {
                             a.mine     ? " stays as it is here"
                             : a.theirs ? " takes the other value"
                                        : " was added again, as a new one");
+    if (computed > 0)
+        text += fmt::format("{} about positions: they are computed anew\n", Counted(computed, "conflict"));
     PrintText(fmt::format("{}{}: {} settled, {} left\n", text, project->GetPath(),
                           Counted(static_cast<std::int64_t>(settled.size()), "conflict"), left),
               otherwise);

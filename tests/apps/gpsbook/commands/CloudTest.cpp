@@ -429,6 +429,43 @@ TEST(CloudResolve, AllTakesThoseThatTheDecisionFits) {
     EXPECT_EQ(site.Status("bert")["conflicts"], json::array());
 }
 
+TEST(CloudResolve, TheirPlaneSystemComputesThePositionsAndSettlesTheirConflicts) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay", "crs=EPSG:32632"}).exitCode, 0);
+    ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay", "crs=EPSG:32634"}).exitCode, 0);
+    site.Sync("anna");
+    const std::vector<std::string> annas = site.Table("anna");
+    const json conflicts = site.Sync("bert", 3)["conflicts"];
+    int number = 0;
+    for (const json& conflict : conflicts)
+        if (conflict["field"] == "conversion") number = conflict["number"];
+    const json done = JsonOf(
+        site.As("bert", {"cloud", "resolve", "bert.gpsbook", std::to_string(number), "--theirs", "--json"}));
+    EXPECT_EQ(done["settled"].size(), 1U);
+    EXPECT_EQ(done["computed"], conflicts.size() - 1);
+    EXPECT_EQ(done["left"], 0);
+    EXPECT_EQ(site.Run({"check", "bert.gpsbook"}).out.find("[plane]"), std::string::npos);
+    EXPECT_EQ(site.Table("bert"), annas);
+    site.Sync("bert");
+    site.Sync("anna");
+    site.ExpectSame();
+}
+
+TEST(CloudResolve, AllTheirsDecidesPositionsBehindWhatTheyComeFrom) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "antenna=1.5"}).exitCode, 0);
+    ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/P1", "antenna=1.7", "h=70"}).exitCode, 0);
+    site.Sync("anna");
+    EXPECT_EQ(site.Sync("bert", 3)["conflicts"].size(), 2U) << "position and antenna";
+    const Outcome all = site.As("bert", {"cloud", "resolve", "bert.gpsbook", "--all", "--theirs"});
+    EXPECT_EQ(all.exitCode, 0) << all;
+    EXPECT_NE(all.out.find("1 conflict about positions: they are computed anew\n"), std::string::npos) << all;
+    EXPECT_NE(all.out.find("bert.gpsbook: 1 conflict settled, 0 left\n"), std::string::npos) << all;
+    EXPECT_EQ(site.FieldOf("bert", "Quay/P1", "height"), 68.5);
+}
+
 TEST(CloudResolve, DecisionThatDoesNotFitChangesNothing) {
     const Disputed site;
     const std::string bytes = site.Text("bert.gpsbook");

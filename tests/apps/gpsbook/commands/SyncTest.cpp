@@ -556,6 +556,26 @@ TEST(Sync, KnownGroupThatGetsAProjectionByATextIsHeldBackWithThePositionsInIt) {
     site.ExpectSame();
 }
 
+// --- positions ----------------------------------------------------------------------------------------
+
+TEST(Sync, PointOfTheFormerPlaneSystemIsComputedAndSent) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay", "crs=EPSG:32632"}).exitCode, 0);
+    site.Sync("anna");
+    ASSERT_EQ(site.As("bert", {"add", "bert.gpsbook", "Quay", "name=P5", "lat=45.651", "lon=13.761", "h=63",
+                               "antenna=2"})
+                  .exitCode,
+              0);
+    const json done = site.Sync("bert");
+    EXPECT_EQ(done["sent"], json({{"new", 1}, {"changed", 1}, {"deleted", 0}}));
+    EXPECT_EQ(site.Status("bert")["changed"], json::array());
+    site.Sync("anna");
+    site.ExpectSame();
+    for (const char* book : {"site.gpsbook", "bert.gpsbook"})
+        EXPECT_EQ(site.Run({"check", book}).out.find("[plane]"), std::string::npos) << book;
+}
+
 // --- the backup ----------------------------------------------------------------------------------------
 
 TEST(Sync, BackupThatIsPutBackDoesNotSendItsPointsOnceMore) {
