@@ -32,8 +32,7 @@ struct Known {
     std::vector<std::size_t> order;
 };
 
-// --- replies
-// -----------------------------------------------------------------------------------------------------
+// --- replies ------------------------------------------------------------------------------------------
 
 /// A page of a server's answer: replies in memory, handed out again and again under other ids. Two sets of
 /// them: what a pass stores differs from what the one before it did.
@@ -140,8 +139,7 @@ Work ParseReplies() {
             }};
 }
 
-// --- look-up
-// -----------------------------------------------------------------------------------------------------
+// --- look-up ------------------------------------------------------------------------------------------
 
 Work FindItems() {
     return {"cloud.find.library", [](std::size_t n) -> Run {
@@ -171,8 +169,7 @@ Work FindInMap() {
             }};
 }
 
-// --- merge
-// -------------------------------------------------------------------------------------------------------
+// --- merge --------------------------------------------------------------------------------------------
 
 /// Two copies of one project. Every tenth point has a note there, every tenth photos here.
 struct Copies {

@@ -23,8 +23,7 @@ void Require(bool holds) {
     if (!holds) std::abort();
 }
 
-// --- entries whose content is there already
-// ------------------------------------------------------------------
+// --- entries whose content is there already -----------------------------------------------------------
 
 const std::string& Content() {
     static const std::string content(kFrame - kFrameHeadSize - sizeof(short), 'c');
@@ -113,8 +112,7 @@ Work Writes() {
             }};
 }
 
-// --- with the disk
-// -------------------------------------------------------------------------------------------
+// --- with the disk ------------------------------------------------------------------------------------
 
 /// Groups of entries with a sync behind each group, over one call of write for each entry and the same syncs.
 /// A shared disk is slow for seconds and fast again: the two take turns group by group, each as often the
@@ -147,8 +145,7 @@ double SyncedOverRaw(std::size_t n, std::size_t group) {
     return Median(journalled) / Median(written);
 }
 
-// --- points of a large group
-// ---------------------------------------------------------------------------------
+// --- points of a large group --------------------------------------------------------------------------
 
 /// A tenth of the points of a group is journalled, from a point on.
 Work Points(const std::string& name, bool atEnd) {

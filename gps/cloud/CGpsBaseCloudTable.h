@@ -55,8 +55,7 @@ public:
 
     CGpsBaseCloudTable();
 
-    // --- in the order of the virtual operations
-    // -------------------------------------------------------------
+    // --- in the order of the virtual operations -------------------------------------------------------
 
     /// Of the item's group; no effect for a null item.
     void SetCloudCreatorDevId(CCloudItem* item, int devId) override;
@@ -81,8 +80,7 @@ public:
     /// item's group; null when there is none. What has a value here keeps it.
     CCloudItem* Merge(CCloudItem* item) override;
 
-    // --- single fields, for the sync of a host
-    // -----------------------------------------------------------------
+    // --- single fields, for the sync of a host --------------------------------------------------------
 
     /// Replaces `text` by the fields of the bits in `mask`, joined by ";", as a change record has them.
     void GetFields(CGrpGps& group, std::uint32_t mask, vex::String& text);

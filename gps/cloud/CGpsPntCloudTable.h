@@ -18,8 +18,7 @@ public:
     /// `base`: the base table of the same project; it outlives this one.
     explicit CGpsPntCloudTable(CGpsBaseCloudTable* base);
 
-    // --- in the order of the virtual operations
-    // -------------------------------------------------------------
+    // --- in the order of the virtual operations -------------------------------------------------------
 
     void GenerateCommitString_Change(vex::String& records) override;
     void GenerateCommitString_Add(int& counter, vex::String& records) override;

@@ -112,8 +112,7 @@ public:
     void GetLabels(std::string& nomeGrp, std::string& oper, std::string& strum, std::string& data,
                    std::string& localita) const;
 
-    // --- base
-    // ------------------------------------------------------------------------------------------------
+    // --- base -----------------------------------------------------------------------------------------
 
     double GetBaseLat() const { return BaseLat; }                                 // degrees
     double GetBaseLong() const { return BaseLong; }                               // degrees
@@ -124,8 +123,7 @@ public:
     void SetBaseElev(double elev) { Set(BaseElev, elev, CHG_GRP_BASEELEV); }      // metres
     void SetBaseAltAnt(double alt) { Set(BaseAltAnt, alt, CHG_GRP_BASEALTANT); }  // metres
 
-    // --- conversion
-    // ------------------------------------------------------------------------------------------
+    // --- conversion -----------------------------------------------------------------------------------
 
     short GetCodeElab() const { return CodeElab; }
     void SetCodeElab(short code) { Set(CodeElab, code, CHG_GRP_CODEELAB); }
@@ -135,8 +133,7 @@ public:
     /// The conversion is set up and bit 0 of the processing code is set.
     bool IsCdElabValid() const { return ConvCoord.IsConvCoordReady() && (CodeElab & 1) != 0; }
 
-    // --- drawing
-    // -----------------------------------------------------------------------------------------------
+    // --- drawing --------------------------------------------------------------------------------------
 
     long long GetTargetDrawing() const { return TargetDrawing; }
 
@@ -155,8 +152,7 @@ public:
     /// default drawing.
     void LeggeDaFile(ifpstream& in, CDrawingsMapper& drawings, bool remapDrawing);
 
-    // --- values kept and stored, which nothing here interprets
-    // -----------------------------------------------
+    // --- values kept and stored, which nothing here interprets ----------------------------------------
 
     bool GetGrpFlagRis() const { return GrpFlagRis; }
     void SetGrpFlagRis(bool flag) { GrpFlagRis = flag; }
@@ -197,8 +193,7 @@ public:
     /// Empties both sets; the points stay.
     void AzzeraPunSet();
 
-    // --- derived coordinates of the base (gps/coords), names and units as in CPunGps
-    // ------------------------
+    // --- derived coordinates of the base (gps/coords), names and units as in CPunGps ------------------
     //
     // Intended: the phase-centre members compute when at least one of the three base values is set, where a
     // point needs all three; the ground members need all four values in both classes.

@@ -26,8 +26,8 @@ struct CloudLink {
 /// decides, or others go on: then what it tells is not what there is any more.
 ///
 /// Where it is about no field the values of `clash` tell more: `theirs` of deletedHere what the other one had
-/// done, "added", names of fields, or both; `mine` of kept is "unseen" when the other one had not seen all that
-/// was sent from here, and "unseen, unsent" when something was not sent as well.
+/// done, "added", names of fields, or both; `mine` of kept is "unseen" when the other one had not seen all
+/// that was sent from here, and "unseen, unsent" when something was not sent as well.
 struct CloudConflict {
     enum class Kind : std::uint8_t {
         field,        // both set it; here stands `mine`

@@ -38,9 +38,7 @@ const CloudConflict* ConflictList::Find(int number) const {
     return &*found;
 }
 
-CloudConflict* ConflictList::FindToChange(int number) {
-    return const_cast<CloudConflict*>(Find(number));
-}
+CloudConflict* ConflictList::FindToChange(int number) { return const_cast<CloudConflict*>(Find(number)); }
 
 std::vector<int> ConflictList::About(CloudKind kind, std::int64_t id) {
     if (!indexed_) Index();

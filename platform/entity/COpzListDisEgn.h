@@ -80,8 +80,7 @@ public:
     short GetVisList() const { return visList_; }
     void SetVisList(short value) { visList_ = value; }
 
-    // --- records
-    // ---------------------------------------------------------------------------------------------
+    // --- records --------------------------------------------------------------------------------------
     //
     // Two forms in one envelope (form, length, content), the same in every version of a file. Either reader
     // takes either form, and passes over a form or over fields that it does not know: the stream is always

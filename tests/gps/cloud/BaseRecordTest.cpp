@@ -121,8 +121,7 @@ TEST(BaseRecord, GeneratingChangesNothing) {
     EXPECT_EQ(book.notified, 0);
 }
 
-// --- additions
-// -------------------------------------------------------------------------------------------------
+// --- additions ----------------------------------------------------------------------------------------
 
 TEST(BaseRecord, AdditionHasAllFieldsWithoutIdAndMask) {
     CloudBook book;
@@ -162,8 +161,7 @@ TEST(BaseRecord, AdditionsGoInOrderOfCreationAndAreCounted) {
     EXPECT_EQ(book.lastCounter, 13);
 }
 
-// --- single values
-// -----------------------------------------------------------------------------------------------
+// --- single values ------------------------------------------------------------------------------------
 
 TEST(BaseRecord, TypesAreSentAsZeroOrOne) {
     CloudBook book;
@@ -201,8 +199,7 @@ TEST(BaseRecord, ValuesThatAreNotSetAreAToken) {
     EXPECT_EQ(fields.View(), "NULLVAL;NULLVAL;NULLVAL;-inf");
 }
 
-// --- conversion
-// --------------------------------------------------------------------------------------------------
+// --- conversion ---------------------------------------------------------------------------------------
 
 TEST(BaseRecord, MissingSelectedDatumShortensTheRecord) {
     CloudBook book;
@@ -274,8 +271,7 @@ TEST(BaseRecord, BlocksAreAppendedToTheLineOrItsEnd) {
     EXPECT_EQ(end, longer + std::string(longer).size());
 }
 
-// --- long texts
-// ----------------------------------------------------------------------------------------------------
+// --- long texts ---------------------------------------------------------------------------------------
 
 TEST(BaseRecord, TextsOfAnyLengthAreSentWhole) {
     for (const std::size_t size : {2'000u, 2'048u, 5'000u, 300'000u}) {
@@ -339,8 +335,7 @@ TEST(BaseRecord, LongestNumbersFit) {
     EXPECT_EQ(Split(record)[84].View(), "-1.2345678901234568e-300");
 }
 
-// --- fields by mask
-// --------------------------------------------------------------------------------------------------
+// --- fields by mask -----------------------------------------------------------------------------------
 
 TEST(BaseRecord, FieldsOfAMaskHaveNoSeparatorInFront) {
     CloudBook book;
@@ -369,8 +364,7 @@ TEST(BaseRecord, LayoutTellsTheFieldsOfEachBit) {
     EXPECT_EQ(next, GRP_REPLY_FIELDS);
 }
 
-// --- table
-// -------------------------------------------------------------------------------------------------------------
+// --- table --------------------------------------------------------------------------------------------
 
 TEST(BaseTable, IsOfTheKindOfBases) {
     CloudBook book;

@@ -34,8 +34,7 @@ void ExpectRefused(CloudBook& book, const Reply& reply) {
     EXPECT_TRUE(book.bases.GetAdded().empty());
 }
 
-// --- refused
-// -----------------------------------------------------------------------------------------------------
+// --- refused ------------------------------------------------------------------------------------------
 
 TEST(BaseReply, OtherNumberOfFieldsIsRefused) {
     for (const std::size_t fields : {0u, 1u, 2u, 29u, 85u, 87u, 172u}) {
@@ -62,8 +61,7 @@ TEST(BaseReply, CreatorBelowOneIsRefusedForAKnownGroupToo) {
     EXPECT_EQ(book.notified, 0);
 }
 
-// --- a new group
-// -----------------------------------------------------------------------------------------------
+// --- a new group --------------------------------------------------------------------------------------
 
 TEST(BaseReply, UnknownGroupIsAddedWithEveryField) {
     CloudBook book;
@@ -249,8 +247,7 @@ TEST(BaseReply, ListenersFindTheReplyApplied) {
     EXPECT_EQ(told, "known BASE 1;1.8 known renamed;2.5 gone ");
 }
 
-// --- a known group
-// -----------------------------------------------------------------------------------------------
+// --- a known group ------------------------------------------------------------------------------------
 
 TEST(BaseReply, KnownGroupTakesEveryFieldButItsCreator) {
     CloudBook book;
@@ -333,8 +330,7 @@ TEST(BaseReply, MapLibraryIsThatOfAllGroups) {
     EXPECT_TRUE(book.bases.GetChanged().empty()) << "no other group has changed";
 }
 
-// --- values
-// --------------------------------------------------------------------------------------------------------
+// --- values -------------------------------------------------------------------------------------------
 
 TEST(BaseReply, OnlyOneIsTrueForTypes) {
     for (const auto& [text, type] : {std::pair{"0", 0}, {"1", 1}, {"2", 0}, {"01", 0}, {"", 0}}) {
@@ -488,8 +484,7 @@ TEST(BaseReply, FieldsOfOneBitAreStoredAndReported) {
     }
 }
 
-// --- deletions
-// -----------------------------------------------------------------------------------------------------
+// --- deletions ----------------------------------------------------------------------------------------
 
 TEST(BaseDeletion, OtherNumberOfFieldsIsRefused) {
     CloudBook book;
@@ -564,8 +559,7 @@ TEST(BaseDeletion, DeletionOnBothSidesIsDone) {
     EXPECT_EQ(book.notified, 0);
 }
 
-// --- a table whose book is not there
-// ---------------------------------------------------------------------------
+// --- a table whose book is not there ------------------------------------------------------------------
 
 TEST(BaseReply, WithoutBookKnownGroupsAreEditedAndNoneMade) {
     CloudBook book;

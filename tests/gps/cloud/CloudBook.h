@@ -121,8 +121,7 @@ inline std::vector<std::string> Lines(const std::string& records) {
     }
 }
 
-// --- a group and a point, written by hand as a record has them, by change bit
-// --------------------------------
+// --- a group and a point, written by hand as a record has them, by change bit -------------------------
 
 using Written = std::vector<std::pair<std::uint32_t, std::string>>;
 

@@ -56,8 +56,7 @@ struct Shared : CloudBook {
     }
 };
 
-// --- import
-// ------------------------------------------------------------------------------------------------------
+// --- import -------------------------------------------------------------------------------------------
 
 TEST(Import, GroupsAndPointsAreAppendedAsNew) {
     Shared source;
@@ -203,8 +202,7 @@ TEST(Import, BookOutsideTheCloudTakesThemToo) {
     EXPECT_EQ(cloud.points.GetAdded().size(), 6u);
 }
 
-// --- merge
-// -------------------------------------------------------------------------------------------------------
+// --- merge --------------------------------------------------------------------------------------------
 
 TEST(MergeBooks, WithoutCloudProjectNothingHappens) {
     Shared source;
@@ -306,8 +304,7 @@ TEST(MergeBooks, SourceStaysAsItIs) {
     ExpectInOrder(source.lib);
 }
 
-// --- drawings
-// ----------------------------------------------------------------------------------------------------
+// --- drawings -----------------------------------------------------------------------------------------
 
 TEST(OtherBook, EveryCopyCountsOneUsageOfTheDrawingItHas) {
     constexpr long long kHere = 301, kThere = 302;

@@ -80,8 +80,7 @@ TEST(PointRecord, ChangesAreJoinedByLineBreaks) {
     EXPECT_EQ(records, expected) << "in the order of the set";
 }
 
-// --- additions
-// ---------------------------------------------------------------------------------------------------
+// --- additions ----------------------------------------------------------------------------------------
 
 TEST(PointRecord, AdditionHasTwentyNineFields) {
     CloudBook book;
@@ -171,8 +170,7 @@ TEST(PointRecord, GroupThatTheServerWillNotKnowIsZero) {
     EXPECT_EQ(book.Additions(book.points).substr(0, 10), "IPTGPS;0;;");
 }
 
-// --- single values
-// ---------------------------------------------------------------------------------------------
+// --- single values ------------------------------------------------------------------------------------
 
 TEST(PointRecord, TimeOfDayIsPrintedWithItsSign) {
     CloudBook book;

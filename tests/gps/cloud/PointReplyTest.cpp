@@ -33,8 +33,7 @@ void ExpectRefused(CloudBook& book, const Reply& reply) {
     EXPECT_TRUE(book.points.GetAdded().empty());
 }
 
-// --- refused
-// -----------------------------------------------------------------------------------------------------
+// --- refused ------------------------------------------------------------------------------------------
 
 TEST(PointReply, OtherNumberOfFieldsIsRefused) {
     for (const std::size_t fields : {0u, 2u, 28u, 30u, 86u}) {
@@ -88,8 +87,7 @@ TEST(PointReply, GroupThatTheBookDoesNotHoldMakesNoPoint) {
     ExpectRefused(book, PointReply("8", "7"));
 }
 
-// --- a new point
-// -----------------------------------------------------------------------------------------------
+// --- a new point --------------------------------------------------------------------------------------
 
 TEST(PointReply, UnknownPointIsAddedToItsGroupWithEveryField) {
     CloudBook book;
@@ -219,8 +217,7 @@ TEST(PointReply, ListenersFindTheReplyApplied) {
               "known renamed;0;0;0;0;0;0 gone ");
 }
 
-// --- a known point
-// -----------------------------------------------------------------------------------------------
+// --- a known point ------------------------------------------------------------------------------------
 
 TEST(PointReply, KnownPointTakesEveryFieldAndStaysInItsGroup) {
     CloudBook book;
@@ -292,8 +289,7 @@ TEST(PointReply, TombstoneTakesNothingAndIsNotified) {
     EXPECT_EQ(book.notified, 1);
 }
 
-// --- values
-// --------------------------------------------------------------------------------------------------------
+// --- values -------------------------------------------------------------------------------------------
 
 TEST(PointReply, WholeNumbersTakeTheWidthOfTheirField) {
     CloudBook book;
@@ -367,8 +363,7 @@ TEST(PointReply, FieldsOfOneBitAreStoredAndReported) {
     }
 }
 
-// --- deletions
-// -----------------------------------------------------------------------------------------------------
+// --- deletions ----------------------------------------------------------------------------------------
 
 TEST(PointDeletion, PointLeavesTableAndBook) {
     CloudBook book;

@@ -56,8 +56,7 @@ struct Session {
     std::size_t stored = 0;
 };
 
-// --- one refusal
-// ---------------------------------------------------------------------------------------------
+// --- one refusal --------------------------------------------------------------------------------------
 
 /// Refuses one kind of operation so many times.
 ModelDisk::Fault Refuse(const std::string& operation, int times) {
@@ -208,8 +207,7 @@ TEST(JournalFault, StoredFileThatIsGoneOrCutIsNotPaperedOver) {
     }
 }
 
-// --- every refusal
-// -------------------------------------------------------------------------------------------
+// --- every refusal ------------------------------------------------------------------------------------
 
 /// Edits of all kinds with commits in between, of which some may fail.
 void Work(Session& session) {
@@ -265,8 +263,7 @@ TEST(JournalFault, EachPairOfRefusalsKeepsWhatWasStored) {
     }
 }
 
-// --- loss of power
-// -------------------------------------------------------------------------------------------
+// --- loss of power ------------------------------------------------------------------------------------
 
 /// Some edits and commits, in any order; `size` makes contents of it.
 template <class Size>

@@ -20,8 +20,7 @@ using test::Items;
 using test::Register;
 using test::Table;
 
-// --- real values
-// -------------------------------------------------------------------------------------------------
+// --- real values --------------------------------------------------------------------------------------
 
 std::string Concat(double value, CCloudTable::enumDoubleFormat format = CCloudTable::fmtLineare) {
     char line[64] = "x";
@@ -86,8 +85,7 @@ TEST(CloudLine, RandomValuesReadBackInTheRoomThatIsPromised) {
     EXPECT_LT(longest, static_cast<std::size_t>(CCloudTable::MAX_DOUBLE_TEXT));
 }
 
-// --- deletions
-// ---------------------------------------------------------------------------------------------------
+// --- deletions ----------------------------------------------------------------------------------------
 
 std::string Deletions(const CCloudTable& table) {
     vex::String records("of the last commit");

@@ -50,8 +50,7 @@ void ReadCommit(CCloudTable& table, const std::string& bytes) {
     EXPECT_EQ(in.GetRemaining(), 0);
 }
 
-// --- bytes
-// -------------------------------------------------------------------------------------------------------
+// --- bytes --------------------------------------------------------------------------------------------
 
 TEST(CloudState, IsLastTicketDeletionsAndNoCommit) {
     Table table;
@@ -105,8 +104,7 @@ TEST(CloudState, CountsWhatTheCommitHolds) {
     EXPECT_EQ(table.GetSentDeleted(), 1u);
 }
 
-// --- another session
-// -----------------------------------------------------------------------------------------------
+// --- another session ----------------------------------------------------------------------------------
 
 /// The items of a table and its state, as a project file keeps them.
 struct Session {
@@ -228,8 +226,7 @@ TEST(CloudState, TicketsGoOnBehindTheLastOne) {
     EXPECT_EQ(item.GetTicket(), 6);
 }
 
-// --- a commit of the journal
-// -----------------------------------------------------------------------------------------
+// --- a commit of the journal --------------------------------------------------------------------------
 
 TEST(CloudState, ReadingACommitBeginsIt) {
     Table written;
@@ -313,8 +310,7 @@ TEST(CloudState, DamagedCountsAndIdsAreNotBelieved) {
     }
 }
 
-// --- adoption
-// ----------------------------------------------------------------------------------------------------
+// --- adoption -----------------------------------------------------------------------------------------
 
 TEST(CloudAdopt, ItemWithIdIsKnownByIt) {
     Table table;

@@ -163,8 +163,7 @@ TEST_F(Pull, SameFieldAgainReplacesItsConflict) {
     EXPECT_EQ(Conflicts()[0].clash.theirs, "second");
 }
 
-// --- conflicts that are over
-// ---------------------------------------------------------------------------------
+// --- conflicts that are over --------------------------------------------------------------------------
 
 /// The answer to a commit has told that another one had set name and code of point 3.
 class Disputed : public Pull {

@@ -131,8 +131,7 @@ TEST_P(OutOfMemory, ReadingASectionAddsAllOrNothing) {
 INSTANTIATE_TEST_SUITE_P(Failures, OutOfMemory, testing::Bool(),
                          [](const auto& heap) { return heap.param ? "Onwards" : "Once"; });
 
-// --- damaged files
-// -----------------------------------------------------------------------------------------------
+// --- damaged files ------------------------------------------------------------------------------------
 
 constexpr std::size_t kFixed = 16 * 1024 * 1024;
 

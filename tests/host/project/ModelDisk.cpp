@@ -12,8 +12,7 @@ bool Chance(std::mt19937& random, unsigned oneIn) { return random() % oneIn == 0
 
 }  // namespace
 
-// --- for tests
-// -----------------------------------------------------------------------------------------------
+// --- for tests ----------------------------------------------------------------------------------------
 
 void ModelDisk::Apply(Directory& names, const Naming& naming) {
     if (!naming.gone.empty()) names.erase(naming.gone);
@@ -108,8 +107,7 @@ std::vector<std::string> ModelDisk::Names() const {
     return names;
 }
 
-// --- helpers
-// ---------------------------------------------------------------------------------------------------
+// --- helpers ------------------------------------------------------------------------------------------
 
 int ModelDisk::Fails(const std::string& what) {
     const long number = operations_++;
@@ -150,8 +148,7 @@ FileOperations::Facts ModelDisk::FactsOf(const Node& node) const {
     return facts;
 }
 
-// --- operations
-// ----------------------------------------------------------------------------------------------
+// --- operations ---------------------------------------------------------------------------------------
 
 int ModelDisk::Open(const std::string& path, How how, std::uint32_t mode, int& file) {
     if (const int error = Fails("open")) return error;

@@ -133,8 +133,7 @@ TEST(Project, VersionsOutsideOfWhatIsWrittenAreRefused) {
     EXPECT_EQ(folder.Names(), test::Names{});
 }
 
-// --- saving
-// ----------------------------------------------------------------------------------------------------
+// --- saving -------------------------------------------------------------------------------------------
 
 TEST(Project, SaveGoesOnWithTheFileAndKeepsTheFormerAsBackup) {
     const TempFolder folder;
@@ -326,8 +325,7 @@ TEST(Project, WriteProtectedFileIsNotReplaced) {
     EXPECT_EQ(KindOf([&] { other.SaveAs("/d/book", true); }), Kind::system);
 }
 
-// --- changed by others
-// -----------------------------------------------------------------------------------------
+// --- changed by others --------------------------------------------------------------------------------
 
 TEST(Project, FileThatOthersChangedIsNotReplaced) {
     const TempFolder folder;
@@ -391,8 +389,7 @@ TEST(Project, FileChangedWhileTheNewOneIsWrittenIsNotReplaced) {
     EXPECT_EQ(disk.Bytes("/d/book"), "somebody's");
 }
 
-// --- what others put in
-// ----------------------------------------------------------------------------------------
+// --- what others put in -------------------------------------------------------------------------------
 
 TEST(Project, UnknownSectionsAndTextsAreKept) {
     const TempFolder folder;

@@ -166,6 +166,57 @@ TEST(Sync, SameFieldIsAConflictAndTheLastOneHolds) {
     site.ExpectSame();
 }
 
+TEST(Sync, AuthorIsTheOneOfTheSyncThatSentIt) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P1", "code=FENCE"}).exitCode, 0);
+    ASSERT_EQ(site.As("anna", {"sync", "site.gpsbook", "--author", "Anna"}).exitCode, 0);
+    ASSERT_EQ(site.As("anna", {"set", "site.gpsbook", "Quay/P2", "code=KERB"}).exitCode, 0);
+    ASSERT_EQ(site.As("anna", {"sync", "site.gpsbook", "--author", "Carla"}).exitCode, 0);
+    ASSERT_EQ(site.As("bert", {"set", "bert.gpsbook", "Quay/P1", "code=WALL"}).exitCode, 0);
+    const Outcome outcome = site.As("bert", {"sync", "bert.gpsbook"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.out.find("there \"FENCE\", set by Anna in revision 2\n"), std::string::npos) << outcome;
+}
+
+// --- what nobody else has seen ---------------------------------------------------------------------------
+
+TEST(Sync, PointThatDiedWithAGroupUnseenIsKept) {
+    const SharedSite site;
+    site.Share();
+    ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=A5"}).exitCode, 0);
+    site.Sync("anna");
+    ASSERT_EQ(site.As("bert", {"delete", "bert.gpsbook", "Quay"}).exitCode, 0);
+    site.Sync("bert", 3);
+    site.Sync("anna", 3);
+    const json conflicts = site.Status("anna")["conflicts"];
+    ASSERT_EQ(conflicts.size(), 1U);
+    EXPECT_EQ(conflicts[0]["what"], "kept");
+    EXPECT_EQ(conflicts[0]["why"], json({"unseen", "unsent"})) << "Quay has texts of its own";
+    ASSERT_EQ(site.As("anna", {"cloud", "resolve", "site.gpsbook", "--all", "--add-again"}).exitCode, 0);
+    EXPECT_EQ(site.FieldOf("anna", "Quay/A5", "name"), "A5");
+    site.Sync("anna");
+    site.Sync("bert");
+    EXPECT_EQ(site.FieldOf("bert", "Quay/A5", "name"), "A5");
+}
+
+TEST(Sync, StoreThatWasPutBackAfterAMergeIsRefused) {
+    const SharedSite site;
+    site.Share();
+    std::filesystem::copy_file(site.Path("site.gpsbook"), site.Path("copy.gpsbook"));
+    std::filesystem::copy_file(site.Path("shared.sqlite"), site.Path("old.sqlite"));
+    ASSERT_EQ(site.As("anna", {"add", "site.gpsbook", "Quay", "name=A5"}).exitCode, 0);
+    site.Sync("anna");
+    ASSERT_EQ(site.As("anna", {"merge", "site.gpsbook", "copy.gpsbook"}).exitCode, 0);
+    std::filesystem::rename(site.Path("old.sqlite"), site.Path("shared.sqlite"));
+    ASSERT_EQ(site.As("bert", {"add", "bert.gpsbook", "Quay", "name=B5"}).exitCode, 0);
+    site.Sync("bert");
+    const Outcome outcome = site.As("anna", {"sync", "site.gpsbook"});
+    EXPECT_EQ(outcome.exitCode, 3) << outcome;
+    EXPECT_NE(outcome.err.find("put back"), std::string::npos) << outcome;
+    EXPECT_EQ(site.FieldOf("anna", "Quay/A5", "name"), "A5");
+}
+
 // --- what others did -------------------------------------------------------------------------------------
 
 TEST(Sync, TellsWhatOthersAddedChangedAndDeleted) {

@@ -113,8 +113,7 @@ public:
     /// Something, at random.
     void Act(const Habits& habits);
 
-    // --- checks
-    // ----------------------------------------------------------------------------------------------
+    // --- checks ---------------------------------------------------------------------------------------
 
     /// Nothing that is not confirmed was lost, nothing deleted came back, each item is there once and under
     /// its own id.
