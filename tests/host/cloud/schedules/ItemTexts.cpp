@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <numbers>
 
 #include "gps/cloud/FieldLayout.h"
 #include "host/project/CloudTables.h"
@@ -39,15 +40,26 @@ bool IsNumber(const std::string& text) {
     return read.ec == std::errc() && read.ptr == text.data() + text.size() && std::isfinite(value);
 }
 
-bool SameField(CloudKind kind, std::size_t i, const std::string& one, const std::string& other, double unit) {
+// Within a micrometre. One degree is 111 km, and of a longitude less, the farther from the equator.
+bool IsSameOrigin(double one, double other, double parallel) {
+    constexpr double kDegree = 111'000 / 1.2;  // metres
+    return std::abs(one - other) * kDegree * parallel <= 1e-6;
+}
+
+bool SameField(CloudKind kind, std::size_t i, const std::vector<std::string>& ones,
+               const std::vector<std::string>& others, double unit) {
+    const std::string &one = ones[i], &other = others[i];
     if (one == other) return true;
     if (IsNumber(one) && IsNumber(other) && Number(one) == Number(other)) return true;  // 0 and -0
     const bool origin = kind == CloudKind::group && (i == kLocalOrigin || i == kLocalOrigin + 1);
     const bool covariance = kind == CloudKind::point && i >= kCovariances;
     if ((!origin && !covariance) || !IsNumber(one) || !IsNumber(other)) return false;
     const double a = Number(one), b = Number(other);
-    // One degree is 111 km.
-    if (origin) return std::abs(a - b) <= 1e-6 / 111'000 * 1.2;
+    if (origin) {
+        constexpr double kRadians = std::numbers::pi / 180;
+        const bool longitude = i == kLocalOrigin + 1;
+        return IsSameOrigin(a, b, longitude ? std::cos(Number(ones[kLocalOrigin]) * kRadians) : 1);
+    }
     constexpr double kMost = 1e9;
     return std::abs(std::min(a, kMost) - std::min(b, kMost)) <= unit;
 }
@@ -129,7 +141,7 @@ std::string Difference(CloudKind kind, const std::string& one, const std::string
         return std::to_string(a.size()) + " fields and " + std::to_string(b.size()) + " fields";
     for (std::size_t i = 0; i < a.size(); ++i) {
         if (!map && kind == CloudKind::group && i >= kMapBegin && i < kMapEnd) continue;
-        if (!SameField(kind, i, a[i], b[i], unit))
+        if (!SameField(kind, i, a, b, unit))
             return "field " + std::to_string(i) + ": '" + a[i] + "' and '" + b[i] + "'";
     }
     return {};
